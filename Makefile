@@ -1,0 +1,31 @@
+# Entry points; CMake does the building. Every target installs what is missing first.
+BUILD      ?= build
+ASAN_BUILD ?= build-asan
+JOBS       ?= $(shell nproc)
+
+.PHONY: deps build test test-asan bench demo clean
+
+deps:
+	@scripts/install-deps.sh
+
+build: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release
+	cmake --build $(BUILD) -j $(JOBS)
+
+test: build
+	cd $(BUILD) && ctest --output-on-failure
+
+test-asan: deps
+	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DWEXEL_SANITIZE=ON
+	cmake --build $(ASAN_BUILD) -j $(JOBS) --target unit_tests
+	cd $(ASAN_BUILD) && ctest --output-on-failure -L unit
+
+bench: build
+	$(BUILD)/bench/wexel_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+
+demo: build
+	mkdir -p out
+	java -Djava.library.path=$(BUILD) -cp $(BUILD)/host/wexelhost.jar:$(BUILD)/demo/wexeldemo.jar Demo out/demo.png
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) out

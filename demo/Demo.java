@@ -1,0 +1,1 @@
+public class Demo { public static void main(String[] a) {} }

@@ -1,0 +1,8 @@
+// Host class of the native library; its peer's address lives in nativeid.
+public class ba {
+    static {
+        System.loadLibrary("wexel");
+    }
+
+    public long nativeid;
+}

@@ -1,0 +1,54 @@
+// The render context. Every native method works on the toolkit made last, whatever object it is
+// called on. A host that serves textures, memory flushes or shadow masks overrides the callbacks.
+public class ja {
+    static {
+        System.loadLibrary("wexel");
+    }
+
+    public long nativeid;
+
+    // Lifetime
+    public native void q(Object source, int count, int unused);
+    public native void ma(int unused);
+    public native void n(ba pool);
+    public native void da();
+    public native int j();
+    public native int oa();
+    public native void b(int a, int b, int c, int d, int e);
+    public native void N(int a, int b, int c, int d, int e, int f, int g, int h, int i);
+
+    // Target, clear and rectangle
+    public native void PA(za canvas);
+    public native void ba(int flags, int colour);
+    public native void B(int x, int y, int w, int h, int colour, int mode);
+
+    // Pixels
+    public native int[] E(int x, int y, int w, int h);
+    public native void BA(int x, int y, int w, int h, int[] pixels, int offset, int scan);
+
+    // Clip rectangle
+    public native void L();
+    public native void r(int left, int top, int right, int bottom);
+    public native void o(int left, int top, int right, int bottom);
+    public native void qa(int[] out);
+
+    // Viewport
+    public native void k();
+    public native void A(int x, int y, int w, int h);
+    public native void GA(float near, float far);
+    public native void xa(int[] out);
+
+    /** Called when drawing needs a texture that is not loaded; true once it has been given. */
+    public boolean SA(short id) {
+        return false;
+    }
+
+    /** Called when a memory pool is full: release what can be released. */
+    public void h() {
+    }
+
+    /** Makes the host object of a new shadow mask. */
+    public Object WA() {
+        return new aa();
+    }
+}

@@ -1,0 +1,22 @@
+// Runs of one value: the store path of clears and opaque fills, and the blended rectangle.
+#pragma once
+#include <cstdint>
+
+#include "toolkit/toolkit.h"
+
+// Stores `value` into n words from p: up to three words singly to a 16-byte boundary, the body in
+// aligned stores of four, the tail singly.
+void storerun(uint32_t* p, int n, uint32_t value);
+
+// Fills (x, y, w, h) of a buffer with row pitch `width` and `height` rows by the store path; a
+// rectangle that is the whole buffer is filled as one run.
+void storerect(uint32_t* buffer, int width, int height, int x, int y, int w, int h, uint32_t value);
+
+// Cuts a rectangle to `cliprect`; w and h may come out zero or negative.
+struct cliprectangle {
+    int x, y, w, h;
+    cliprectangle(const toolkit& t, int x, int y, int w, int h);
+};
+
+void drawrectangle(toolkit& t, int x, int y, int w, int h, uint32_t colour, int mode);
+void cleardepth(toolkit& t);

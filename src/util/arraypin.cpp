@@ -1,0 +1,3 @@
+#include "util/arraypin.h"
+
+int criticalcount;
