@@ -2,34 +2,12 @@
 
 #include <algorithm>
 
-#include "sprite/rules.h"
+#include "sprite/spriterows.h"
 #include "util/frame.h"
 
 namespace {
 
 using int64 = long long;
-
-// n pixels of a row: groups of four from the left end, then the leftovers.
-template <tintmode T, blendmode B>
-[[gnu::always_inline]] inline void pixelrow(uint32_t* dst, const uint32_t* src, int n, const tintconstants& k) {
-    int i = 0;
-    for (; i + 4 <= n; i += 4) {
-        __m128i s = _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + i));
-        __m128i d = _mm_loadu_si128(reinterpret_cast<const __m128i*>(dst + i));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + i), pixelop<T, B, true>(s, d, k));
-    }
-    for (; i < n; ++i) dst[i] = leftoverpixel<T, B>(src[i], dst[i], k);
-}
-
-template <tintmode T, blendmode B>
-struct ownsize {
-    static void draw(uint32_t* dst, long dstpitch, const uint32_t* src, long srcpitch, int n, int rows,
-                     const tintconstants& k) {
-        for (int j = 0; j < rows; ++j, dst += dstpitch, src += srcpitch) pixelrow<T, B>(dst, src, n, k);
-    }
-};
-
-constexpr auto ownsizemembers = ruletable<ownsize>();
 
 // The first and last of `count` repeats, `step` apart from `from`, whose image (starting `lead`
 // into the repeat, `size` long) meets [low, high). Repeats outside it would draw nothing.
@@ -55,7 +33,7 @@ void drawat(const toolkit& t, const spriteimage& image, int64 x, int64 y, int ru
     int64 n = std::min<int64>(image.width - (sx - X), clip[2] - sx);
     int64 rows = std::min<int64>(image.height - (sy - Y), clip[3] - sy);
     if (n < 1 || rows < 1) return;
-    ownsizemembers[rule](t.colourbuffer + sy * t.width + sx, t.width, image.pixels + (sy - Y) * image.pitch + (sx - X),
+    spriterowtables->ownsize[rule](t.colourbuffer + sy * t.width + sx, t.width, image.pixels + (sy - Y) * image.pitch + (sx - X),
                          image.pitch, static_cast<int>(n), static_cast<int>(rows), k);
 }
 

@@ -16,6 +16,7 @@
 #include "guarded.h"
 #include "sprite/drawscaled.h"
 #include "sprite/drawsprite.h"
+#include "spritereference.h"
 
 namespace {
 
@@ -169,9 +170,11 @@ TEST(spritefuzz, drawsstayinsidetheclipandreadonlytheimage) {
     const char* only = getenv("SPRITEFUZZ_CASE");
     int first = only ? atoi(only) : 0, last = only ? first + 1 : casecount;
     int tilescompared = 0, drawn = 0;
+    auto tables = spritereference::rowtablesavailable();
     for (int index = first; index < last; ++index) {
         fuzzcase c = makecase(0x5EED0000u + index, targets, images);
         if (only) printf("case %d: %s\n", index, c.describe().c_str());
+        spritereference::drawingwith rows(tables[index % tables.size()]);
         fencedtarget& g = *targets[c.target];
         fencedimage& source = *images[c.image];
         spriteimage image = source.image(c.pads);
