@@ -14,6 +14,7 @@ public class ja {
     public native void da();
     public native int j();
     public native int oa();
+    public native int za();
     public native void b(int a, int b, int c, int d, int e);
     public native void N(int a, int b, int c, int d, int e, int f, int g, int h, int i);
 
@@ -21,6 +22,18 @@ public class ja {
     public native void PA(za canvas);
     public native void ba(int flags, int colour);
     public native void B(int x, int y, int w, int h, int colour, int mode);
+
+    // Lines and discs, under the clip rectangle with a blend mode
+    public native void XA(int x, int y, int length, int colour, int mode);
+    public native void G(int x, int y, int length, int colour, int mode);
+    public native void YA(int x1, int y1, int x2, int y2, int colour, int mode);
+    public native void CA(int x, int y, int radius, int colour, int mode);
+    public native void R(int x1, int y1, int x2, int y2, int colour, int mode, wa mask, int maskx, int masky);
+    public native void DA(int colour, wa mask, int x, int y);
+
+    // Off-screen target: a sprite's pixels and a surface's depths, either may be 0
+    public native void d(long sprite, long surface);
+    public native void VA(int dx, int dy);
 
     // Pixels
     public native int[] E(int x, int y, int w, int h);
