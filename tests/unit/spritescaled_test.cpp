@@ -57,38 +57,6 @@ TEST(scaleddraw, matchesthereferenceforeveryruleunderpadsclipanddepth) {
     }
 }
 
-// Depth equal to z passes; a group whose lanes all fail keeps the buffer.
-TEST(scaleddraw, depthpassesatequalandfailinglanesstay) {
-    scene s;
-    s.t.depthbuffer = s.depth.data();
-    setcliprect(s.t, 0, 0, scene::width, scene::height);
-    std::fill(s.colour.begin(), s.colour.end(), 0x11111111u);
-    std::fill(s.depth.begin(), s.depth.end(), 5.0f);
-    for (int i = 4; i < 8; ++i) s.depth[i] = 4.0f;
-    uint32_t pixels[16];
-    std::fill(pixels, pixels + 16, 0xFFABCDEFu);
-    drawscaledatdepth(s.t, {pixels, 4, 4, 4, 0, 0, 0, 0}, 0, 0, 5.0f, 12, 1, 1, 0, 0);
-    EXPECT_EQ(s.colour[0], 0xFFABCDEFu);
-    EXPECT_EQ(s.colour[4], 0x11111111u);
-    EXPECT_EQ(s.colour[8], 0xFFABCDEFu);
-    EXPECT_EQ(s.colour[12], 0x11111111u);
-}
-
-// No width draws nothing; a sprite without pixels has nothing to sample.
-TEST(scaleddraw, nothingtodrawleavesthebuffer) {
-    scene s;
-    setcliprect(s.t, 0, 0, scene::width, scene::height);
-    std::vector<uint32_t> before = s.colour;
-    uint32_t pixels[4] = {1, 2, 3, 4};
-    drawscaled(s.t, {pixels, 2, 2, 2, 3, 0, 3, 0}, 0, 0, 0, 10, 1, 0, 0);
-    drawscaled(s.t, {pixels, 0, 2, 0, 0, 0, 0, 0}, 0, 0, 6, 10, 1, 0, 0);
-    drawscaled(s.t, {pixels, 2, 2, 2, 0, 0, 0, 0}, 0, 0, 6, 10, 5, 0, 0);
-    EXPECT_EQ(s.colour, before);
-}
-
-}  // namespace
-
-namespace {
 
 // Scaling 2 pixels to 82: pixel 41 is 41 / 41 = 1 by division but truncates to 0 through the
 // rounded reciprocal. Only the plain tint with depth divides, and only leftovers show it.
