@@ -4,10 +4,19 @@ constinit const rowtables narrowrows = spriterows<lanes4>::tables();
 
 const rowtables* spriterowtables = widerows() ? widerows() : &narrowrows;
 
+namespace {
+
+// The bytes of `rows` rows `pitch` pixels apart from `start`, as addresses.
+struct span {
+    uintptr_t begin, end;
+    span(const uint32_t* start, long rows, long pitch)
+        : begin(reinterpret_cast<uintptr_t>(start)),
+          end(begin + static_cast<uintptr_t>(std::max(rows, 0L)) * static_cast<uintptr_t>(std::max(pitch, 0L)) * 4) {}
+};
+
+}  // namespace
+
 const rowtables& rowsfor(const toolkit& t, const spriteimage& image) {
-    auto begin = reinterpret_cast<uintptr_t>(image.pixels);
-    auto end = begin + static_cast<uintptr_t>(std::max(image.height, 0)) * static_cast<uintptr_t>(std::max(image.pitch, 0L)) * 4;
-    auto targetbegin = reinterpret_cast<uintptr_t>(t.colourbuffer);
-    auto targetend = targetbegin + static_cast<uintptr_t>(std::max(t.width, 0)) * static_cast<uintptr_t>(std::max(t.height, 0)) * 4;
-    return begin < targetend && targetbegin < end ? narrowrows : *spriterowtables;
+    span source(image.pixels, image.height, image.pitch), target(t.colourbuffer, t.height, t.width);
+    return source.begin < target.end && target.begin < source.end ? narrowrows : *spriterowtables;
 }
