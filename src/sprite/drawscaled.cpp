@@ -17,8 +17,10 @@ struct placement : scaledrows {
         if (image.width < 1 || image.height < 1) return false;
         float ax = static_cast<float>(w) / static_cast<float>(image.fullwidth());
         float ay = static_cast<float>(h) / static_cast<float>(image.fullheight());
-        int l = truncate(static_cast<float>(image.padleft) * ax), r = truncate(static_cast<float>(image.padright) * ax);
-        int tp = truncate(static_cast<float>(image.padtop) * ay), b = truncate(static_cast<float>(image.padbottom) * ay);
+        int l = truncate(static_cast<float>(image.padleft) * ax);
+        int r = truncate(static_cast<float>(image.padright) * ax);
+        int tp = truncate(static_cast<float>(image.padtop) * ay);
+        int b = truncate(static_cast<float>(image.padbottom) * ay);
         int64 dw = int64{w} - (int64{l} + r), dh = int64{h} - (int64{tp} + b);
         int64 X = int64{x} + l, Y = int64{y} + tp;
         fx = static_cast<float>(dw) / static_cast<float>(image.width);

@@ -69,7 +69,8 @@ void tilesprite(toolkit& t, const spriteimage& image, int x, int y, int w, int h
         repeatrange across(x, fw, cols, image.padleft, image.width, t.cliprect[0], t.cliprect[2]);
         repeatrange down(y, fh, lines, image.padtop, image.height, t.cliprect[1], t.cliprect[3]);
         for (int64 line = down.first; line <= down.last; ++line)
-            for (int64 col = across.first; col <= across.last; ++col) drawat(t, image, x + col * fw, y + line * fh, rule, k);
+            for (int64 col = across.first; col <= across.last; ++col)
+                drawat(t, image, x + col * fw, y + line * fh, rule, k);
     }
     clampcliprect(t, saved[0], saved[1], saved[2], saved[3]);
 }
@@ -79,8 +80,9 @@ void drawthroughmask(const toolkit& t, const spriteimage& image, int x, int y, c
     if (!t.colourbuffer) return;
     // The clip rectangle narrowed to the mask's rectangle, then the single draw's clipping.
     const int* clip = t.cliprect;
-    ownsizeclip c(image, x, y, std::max(clip[0], maskx), std::max(clip[1], masky),
-                  std::min<int64>(clip[2], int64{maskx} + mask.width), std::min<int64>(clip[3], int64{masky} + mask.height));
+    int64 right = std::min<int64>(clip[2], int64{maskx} + mask.width);
+    int64 bottom = std::min<int64>(clip[3], int64{masky} + mask.height);
+    ownsizeclip c(image, x, y, std::max(clip[0], maskx), std::max(clip[1], masky), right, bottom);
     if (c.empty()) return;
     int64 mx = std::max<int64>(0, c.sx - maskx), my = std::max<int64>(0, c.sy - masky);
     int64 rows = std::min(c.rows, mask.rows() - my);

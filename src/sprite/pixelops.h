@@ -57,7 +57,8 @@ template <class V, bool group>
 // For a source of 16-bit lanes of any value, as the weight tint gives: products keep their low
 // 16 bits, and the alpha lane may be above 255.
 template <class V, bool group>
-[[gnu::always_inline]] inline typename V::type alphablend(typename V::type lo, typename V::type hi, typename V::type d) {
+[[gnu::always_inline]] inline typename V::type alphablend(typename V::type lo, typename V::type hi,
+                                                         typename V::type d) {
     const auto zero = V::zero(), full = V::set16(group ? 256 : 255);
     auto alo = V::spread3(lo), ahi = V::spread3(hi);
     auto dlo = V::unpacklo8(d, zero), dhi = V::unpackhi8(d, zero);
@@ -107,6 +108,6 @@ template <class V, tintmode T, blendmode B, bool group>
 // One pixel by the leftover rules; the transformed draws use it for every pixel.
 template <tintmode T, blendmode B>
 [[gnu::always_inline]] inline uint32_t leftoverpixel(uint32_t s, uint32_t d, const tintconstants& k) {
-    __m128i r = pixelop<lanes4, T, B, false>(_mm_cvtsi32_si128(static_cast<int>(s)), _mm_cvtsi32_si128(static_cast<int>(d)), k);
-    return static_cast<uint32_t>(_mm_cvtsi128_si32(r));
+    __m128i one = _mm_cvtsi32_si128(static_cast<int>(s)), under = _mm_cvtsi32_si128(static_cast<int>(d));
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(pixelop<lanes4, T, B, false>(one, under, k)));
 }

@@ -151,7 +151,8 @@ struct spriterows {
     };
 
     static constexpr rowtables tables() {
-        return {ruletable<spriterows::template ownsize>(), ruletable<spriterows::template scaled<false>::template member>(),
+        return {ruletable<spriterows::template ownsize>(),
+                ruletable<spriterows::template scaled<false>::template member>(),
                 ruletable<spriterows::template scaled<true>::template member>()};
     }
 };

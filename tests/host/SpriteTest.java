@@ -87,7 +87,8 @@ class SpriteTest {
             fa f = fromPixels(s.toolkit, new int[] {0xFF0000AA, 0xFF0000BB}, 2, 1, false);
             f.U(f.nativeid, 0, 0, 1, 0);
             f.aa(f.nativeid, 0, 0, 6, 1, 1, 0, 0);
-            assertArrayEquals(new int[] {0xFF0000AA, 0xFF0000BB, 0, 0xFF0000AA, 0xFF0000BB, 0}, s.toolkit.E(0, 0, 6, 1));
+            int a = 0xFF0000AA, b = 0xFF0000BB;
+            assertArrayEquals(new int[] {a, b, 0, a, b, 0}, s.toolkit.E(0, 0, 6, 1));
             f.U(f.nativeid, 0, 0, 0, 0);
             f.G(f.nativeid, 0, 1, 0, 4, 1, 1, 0, 0);
             assertArrayEquals(new int[] {0xFF0000AA, 0xFF0000AA, 0xFF0000BB, 0xFF0000BB}, s.toolkit.E(0, 1, 4, 1));

@@ -57,7 +57,8 @@ TEST(spriteobject, alpharewritetakesachannelormasksnonzerowords) {
     for (int channel = 0; channel < 4; ++channel) {
         fill();
         rewritealpha(*s, buffer, 3, channel);
-        EXPECT_EQ(std::vector<uint32_t>(s->pixels, s->pixels + 4), std::vector<uint32_t>(expect[channel], expect[channel] + 4))
+        EXPECT_EQ(std::vector<uint32_t>(s->pixels, s->pixels + 4),
+                  std::vector<uint32_t>(expect[channel], expect[channel] + 4))
             << "channel " << channel;
     }
 }

@@ -51,7 +51,9 @@ public:
         for (int y = 0; y + 1 < height; ++y)
             for (long x = width; x < pitch; ++x) pixels[y * pitch + x] = value;
     }
-    spriteimage image(const int pads[4]) const { return {pixels, width, height, pitch, pads[0], pads[1], pads[2], pads[3]}; }
+    spriteimage image(const int pads[4]) const {
+        return {pixels, width, height, pitch, pads[0], pads[1], pads[2], pads[3]};
+    }
 
     const int width, height;
     const long pitch;
@@ -170,8 +172,10 @@ TEST(spritefuzz, drawsstayinsidetheclipandreadonlytheimage) {
     for (auto [w, h] : {std::pair{1, 1}, {3, 2}, {17, 5}, {33, 9}, {40, 24}})
         targets.push_back(std::make_unique<fencedtarget>(w, h, random));
     std::vector<std::unique_ptr<fencedimage>> images;
-    for (auto [w, h, gap] : {std::tuple{0, 0, 0}, {1, 1, 0}, {1, 4, 2}, {3, 5, 1}, {7, 2, 3}, {16, 16, 0}, {33, 3, 2}, {5, 0, 0}, {64, 64, 1}, {2, 3, 0}})
-        for (bool atstart : {false, true}) images.push_back(std::make_unique<fencedimage>(w, h, w + gap, atstart, random));
+    for (auto [w, h, gap] : {std::tuple{0, 0, 0}, {1, 1, 0}, {1, 4, 2}, {3, 5, 1}, {7, 2, 3}, {16, 16, 0}, {33, 3, 2},
+                             {5, 0, 0}, {64, 64, 1}, {2, 3, 0}})
+        for (bool atstart : {false, true})
+            images.push_back(std::make_unique<fencedimage>(w, h, w + gap, atstart, random));
 
     const char* only = getenv("SPRITEFUZZ_CASE");
     int first = only ? atoi(only) : 0, last = only ? first + 1 : casecount;

@@ -35,8 +35,9 @@ TEST(spritemask, matchesspansclippedbythemaskrectangle) {
         for (int py = std::max(clip[1], masky); py < bottom; ++py) {
             int row = py - y - image.padtop, maskrow = py - masky;
             if (row < 0 || row >= height || maskrow >= std::min(m.mask.offsetcount, m.mask.widthcount)) continue;
-            int from = std::max({left, x + image.padleft, maskx + m.mask.offsets[maskrow]});
-            int to = std::min({right, x + image.padleft + width, maskx + m.mask.offsets[maskrow] + m.mask.widths[maskrow]});
+            int span = maskx + m.mask.offsets[maskrow];
+            int from = std::max({left, x + image.padleft, span});
+            int to = std::min({right, x + image.padleft + width, span + m.mask.widths[maskrow]});
             for (int px = from; px < to; ++px) {
                 uint32_t& d = expect[py * 30 + px];
                 bool group = px - from < ((to - from) & ~3);

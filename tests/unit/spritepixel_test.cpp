@@ -131,10 +131,10 @@ TEST(spriterows, groupsstartatthecliplefteveryoffsetandlength) {
                             int i = x - offset;
                             uint32_t expect = before[x];
                             if (i >= 0 && i < n)
-                                expect = spritereference::pixel(rule / 3, rule % 3, i < (n & ~3), source[skip + i], colour,
-                                                                before[x]);
-                            ASSERT_EQ(r.pixels[x], expect) << "rule " << rule << " skip " << skip << " offset " << offset
-                                                           << " n " << n << " x " << x;
+                                expect = spritereference::pixel(rule / 3, rule % 3, i < (n & ~3), source[skip + i],
+                                                                colour, before[x]);
+                            ASSERT_EQ(r.pixels[x], expect)
+                                << "rule " << rule << " skip " << skip << " offset " << offset << " n " << n << " x " << x;
                         }
                     }
     }

@@ -51,7 +51,8 @@ TEST(scaleddraw, matchesthereferenceforeveryruleunderpadsclipanddepth) {
         std::vector<uint32_t> expect = s.colour;
         spritereference::view v{expect.data(), withdepth ? s.depth.data() : nullptr, scene::width,
                                 {clip[0], clip[1], clip[2], clip[3]}};
-        spritereference::scaled(v, pixels.data(), width, height, pitch, pads, x, y, w, h, rule / 3, colour, rule % 3, z);
+        spritereference::scaled(v, pixels.data(), width, height, pitch, pads, x, y, w, h, rule / 3, colour, rule % 3,
+                                z);
         spriteimage image{pixels.data(), width, height, pitch, pads[0], pads[1], pads[2], pads[3]};
         drawscaledatdepth(s.t, image, x, y, z, w, h, rule / 3, colour, rule % 3);
         ASSERT_EQ(s.colour, expect) << "round " << round;
