@@ -9,6 +9,7 @@
 #include <random>
 #include <vector>
 
+#include "target.h"
 #include "toolkit/blend.h"
 #include "toolkit/disc.h"
 #include "toolkit/line.h"
@@ -16,22 +17,12 @@
 
 namespace {
 
-constexpr int width = 1024, height = 768;
+constexpr int width = benchtarget::width, height = benchtarget::height;
 
-struct target {
-    toolkit t{};
+// A target whose depths vary, so that the depth test of discs passes and fails.
+struct target : benchtarget {
     target() {
-        t.width = width;
-        t.height = height;
-        t.colourbuffer = static_cast<uint32_t*>(aligned_alloc(64, width * height * 4));
-        t.depthbuffer = static_cast<float*>(aligned_alloc(64, width * height * 4));
-        memset(t.colourbuffer, 0, width * height * 4);
         for (int i = 0; i < width * height; ++i) t.depthbuffer[i] = static_cast<float>(i % 7);
-        setcliprect(t, 0, 0, width, height);
-    }
-    ~target() {
-        free(t.colourbuffer);
-        free(t.depthbuffer);
     }
     // Pixels that one draw changes, counted on a cleared target.
     template <class Draw>
