@@ -60,7 +60,9 @@ void span(toolkit& t, int row, wide from, wide to, float z, Rule rule) {
 // Rows above the centre widen while either of two running terms is within the squared radius;
 // the centre row and those below narrow while both are beyond it. Each loop of single steps on
 // the half-width is taken in one go by firstreached: k steps add k * (2 hw + k - 1) to the upper
-// terms, and take k * (2 hw - k + 1) and k * (2 hw - k - 1) off the lower ones.
+// terms, and take k * (2 hw - k + 1) and k * (2 hw - k - 1) off the lower ones. The upper terms
+// never start below 1 - r, so r + 2 steps always get past c; the lower half-width never needs to
+// pass 0, where the first lower term is at most c on every row within the radius.
 void drawdisc(toolkit& t, int x, int y, int radius, float z, uint32_t colour, int mode) {
     if (!t.colourbuffer) return;
     const wide r = radius < 0 ? -wide{radius} : wide{radius}, c = r * r;
