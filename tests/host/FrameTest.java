@@ -1,0 +1,172 @@
+import static org.junit.jupiter.api.Assertions.*;
+
+import java.util.concurrent.atomic.AtomicBoolean;
+import java.util.concurrent.atomic.AtomicLong;
+import java.util.concurrent.atomic.AtomicReference;
+import org.junit.jupiter.api.Test;
+
+// How a call enters and leaves the library: peers, failures, faults and what the host's thread
+// keeps of it.
+class FrameTest {
+    static final String FAULT = "System exception occured";
+
+    static void assertfault(Runnable call) {
+        RuntimeException e = assertThrows(RuntimeException.class, call::run);
+        assertEquals(RuntimeException.class, e.getClass());
+        assertEquals(FAULT, e.getMessage());
+    }
+
+    @Test
+    void nullobjectwhereapeerisreadraisesnullpointerexceptionwithemptymessage() {
+        try (Scene s = new Scene(8, 8)) {
+            NullPointerException e = assertThrows(NullPointerException.class, () -> s.toolkit.n(null));
+            assertEquals("", e.getMessage());
+        }
+    }
+
+    @Test
+    void destroyingtwiceisharmless() {
+        ja toolkit = new ja();
+        toolkit.q(null, 0, 0);
+        za canvas = new za();
+        canvas.n(null, null, 4, 4);
+        canvas.ma(0);
+        assertEquals(0, canvas.nativeid);
+        canvas.ma(0);
+        toolkit.ma(0);
+        toolkit.ma(0);
+        assertEquals(0, toolkit.nativeid);
+    }
+
+    // Faults in the library's own code and in the C library it calls come back as the host's
+    // runtime exception, and the library keeps working after them.
+    @Test
+    void faultsreturntothehostandthelibrarygoeson() {
+        try (Scene s = new Scene(8, 8)) {
+            assertfault(() -> s.toolkit.xa(null));
+            assertfault(() -> s.toolkit.qa(null));
+            assertfault(() -> s.toolkit.BA(0, 0, 2, 2, null, 0, 2));
+            s.toolkit.B(0, 0, 8, 8, 0xFF102030, 0);
+            assertEquals(0xFF102030, s.pixel(7, 7));
+        }
+    }
+
+    // A fault while a critical pin is held must release it, or the collector waits forever.
+    @Test
+    void faultreleasesheldpins() {
+        try (Scene s = new Scene(8, 8)) {
+            assertfault(() -> s.toolkit.E(1 << 30, 0, 4, 4));
+            for (int i = 0; i < 3; ++i) System.gc();
+            int[] viewport = new int[4];
+            s.toolkit.xa(viewport);
+            assertArrayEquals(new int[] {0, 0, 8, 8}, viewport);
+        }
+    }
+
+    static float tiny = Float.MIN_NORMAL;
+
+    // The library computes with subnormals flushed; the host's own floats stay Java's after normal
+    // returns, failures and faults alike.
+    @Test
+    void hostfloatsstaysubnormalacrosscalls() {
+        try (Scene s = new Scene(8, 8)) {
+            s.toolkit.B(0, 0, 4, 4, 0x80FFFFFF, 1);
+            assertNotEquals(0f, tiny / 4f);
+            assertThrows(IllegalArgumentException.class, () -> s.toolkit.B(0, 0, 4, 4, 0, 7));
+            assertNotEquals(0f, tiny / 4f);
+            assertfault(() -> s.toolkit.xa(null));
+            assertNotEquals(0f, tiny / 4f);
+        }
+    }
+
+    @Test
+    void faultsunderloadleavethejvmuntouched() throws Exception {
+        Jvm child = Jvm.run(FaultStorm.class);
+        assertEquals("", child.unexpectedoutput());
+        assertEquals(0, child.exit);
+    }
+
+    @Test
+    void adrawbeforeanytoolkitisafault() throws Exception {
+        Jvm child = Jvm.run(BeforeToolkit.class);
+        assertEquals("", child.unexpectedoutput());
+        assertEquals(0, child.exit);
+    }
+
+    static void check(boolean ok, String what) {
+        if (!ok) {
+            System.err.println(what);
+            System.exit(1);
+        }
+    }
+
+    // 10,000 faults in a row while another thread takes its own null-pointer and division
+    // faults in compiled code and keeps the collector busy. Prints nothing when all is well.
+    static final class FaultStorm {
+        static volatile Object[] things = {new Object(), null};
+        static volatile int[] divisors = {1, 0};
+        static volatile byte[] garbage;
+
+        public static void main(String[] args) throws Exception {
+            ja toolkit = new ja();
+            toolkit.q(null, 0, 0);
+            za canvas = new za();
+            canvas.n(null, null, 4, 4);
+            toolkit.PA(canvas);
+            AtomicBoolean stop = new AtomicBoolean();
+            AtomicLong nulls = new AtomicLong(), divisions = new AtomicLong();
+            AtomicReference<Throwable> odd = new AtomicReference<>();
+            Thread other = new Thread(() -> {
+                long i = 0;
+                while (!stop.get()) {
+                    ++i;
+                    try {
+                        things[(i & 1023) == 0 ? 1 : 0].hashCode();
+                    } catch (NullPointerException e) {
+                        nulls.incrementAndGet();
+                    } catch (Throwable t) {
+                        odd.set(t);
+                    }
+                    try {
+                        garbage = new byte[(int) (i % 4096) + 16];
+                        if (1000 / divisors[(i & 2047) == 0 ? 1 : 0] == 0) odd.set(new AssertionError());
+                    } catch (ArithmeticException e) {
+                        divisions.incrementAndGet();
+                    } catch (Throwable t) {
+                        odd.set(t);
+                    }
+                }
+            });
+            other.start();
+            int[] pixels = null;
+            for (int n = 0; n < 10000; ++n) {
+                try {
+                    if (n % 2 == 0) toolkit.xa(null);
+                    else toolkit.BA(0, 0, 1, 1, pixels, 0, 1);
+                    check(false, "no fault at " + n);
+                } catch (RuntimeException e) {
+                    check(e.getClass() == RuntimeException.class && FAULT.equals(e.getMessage()), "fault " + n + ": " + e);
+                }
+                if (n % 1000 == 0) System.gc();
+            }
+            stop.set(true);
+            other.join();
+            check(odd.get() == null, "other thread saw " + odd.get());
+            check(nulls.get() > 0 && divisions.get() > 0, "other thread took no faults");
+            toolkit.PA(null);
+            canvas.ma(0);
+            toolkit.ma(0);
+        }
+    }
+
+    static final class BeforeToolkit {
+        public static void main(String[] args) {
+            try {
+                new ja().B(0, 0, 4, 4, 0xFFFFFFFF, 0);
+                check(false, "no fault");
+            } catch (RuntimeException e) {
+                check(e.getClass() == RuntimeException.class && FAULT.equals(e.getMessage()), e.toString());
+            }
+        }
+    }
+}
