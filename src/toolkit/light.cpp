@@ -102,8 +102,9 @@ JNIEXPORT void JNICALL Java_ja_IA(JNIEnv* env, jobject, jfloat factor) {
 
 JNIEXPORT void JNICALL Java_ja_Q(JNIEnv* env, jobject, jint count, jintArray lights, jfloatArray intensities) {
     runexport(env, [&] {
-        arraypin<pinkind::intcritical> lightpin(env, lights);
-        arraypin<pinkind::floatcritical> intensitypin(env, intensities);
+        jsize lightlength = arraylength(env, lights), intensitylength = arraylength(env, intensities);
+        arraypin<pinkind::intcritical> lightpin(env, lights, lightlength);
+        arraypin<pinkind::floatcritical> intensitypin(env, intensities, intensitylength);
         setpointlights(*currenttoolkit, count, lightpin.get(), intensitypin.get());
     });
 }
