@@ -30,12 +30,6 @@ protected:
         _mm_setcsr(librarymxcsr);
         for (float* m : {t.viewmatrix, t.projectionmatrix, t.viewprojection})
             for (int i = 0; i < 16; ++i) m[i] = i % 5 == 0 ? 1.0f : 0.0f;
-        t.ambient = 0.69921875f;
-        t.diffuse = 1.2f;
-        t.lightfactor = 1.15234375f;
-        t.fogdistance = 255.0f;
-        t.shadowcell = 8;
-        t.shadowshift = 3;
     }
     void TearDown() override {
         _mm_setcsr(hostmxcsr);
