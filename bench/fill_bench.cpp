@@ -47,17 +47,6 @@ void BM_memset(benchmark::State& state) {
 }
 BENCHMARK(BM_memset);
 
-void BM_colourclear(benchmark::State& state) {
-    target g;
-    uint32_t c = 0;
-    for (auto _ : state) {
-        drawrectangle(g.t, 0, 0, width, height, ++c, replace);
-        benchmark::ClobberMemory();
-    }
-    pixels(state);
-}
-BENCHMARK(BM_colourclear);
-
 void BM_depthclear(benchmark::State& state) {
     target g;
     for (auto _ : state) {
@@ -68,53 +57,29 @@ void BM_depthclear(benchmark::State& state) {
 }
 BENCHMARK(BM_depthclear);
 
+// A rectangle from column x, w columns wide, over every row.
+void rectangle(benchmark::State& state, int x, int w, uint32_t colour, int mode) {
+    target g;
+    for (auto _ : state) {
+        drawrectangle(g.t, x, 0, w, height, colour, mode);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * w * height);
+    state.SetBytesProcessed(state.iterations() * w * height * 4);
+}
+BENCHMARK_CAPTURE(rectangle, colourclear, 0, width, 0xFF000000u, replace);
 // An opaque blended rectangle that covers the target takes the store path.
-void BM_opaquerectangle(benchmark::State& state) {
-    target g;
-    for (auto _ : state) {
-        drawrectangle(g.t, 0, 0, width, height, 0xFF336699, blend);
-        benchmark::ClobberMemory();
-    }
-    pixels(state);
-}
-BENCHMARK(BM_opaquerectangle);
-
+BENCHMARK_CAPTURE(rectangle, opaque, 0, width, 0xFF336699u, blend);
 // Not the whole target: the per-row split into head, body and tail.
-void BM_opaquerectanglerows(benchmark::State& state) {
-    target g;
-    for (auto _ : state) {
-        drawrectangle(g.t, 1, 0, width - 2, height, 0xFF336699, replace);
-        benchmark::ClobberMemory();
-    }
-    state.SetItemsProcessed(state.iterations() * (width - 2) * height);
-}
-BENCHMARK(BM_opaquerectanglerows);
-
-void BM_blendrectangle(benchmark::State& state) {
-    target g;
-    for (auto _ : state) {
-        drawrectangle(g.t, 0, 0, width, height, 0x80336699, blend);
-        benchmark::ClobberMemory();
-    }
-    pixels(state);
-}
-BENCHMARK(BM_blendrectangle);
-
-void BM_addrectangle(benchmark::State& state) {
-    target g;
-    for (auto _ : state) {
-        drawrectangle(g.t, 0, 0, width, height, 0x01010101, add);
-        benchmark::ClobberMemory();
-    }
-    pixels(state);
-}
-BENCHMARK(BM_addrectangle);
+BENCHMARK_CAPTURE(rectangle, opaquerows, 1, width - 2, 0xFF336699u, replace);
+BENCHMARK_CAPTURE(rectangle, blend, 0, width, 0x80336699u, blend);
+BENCHMARK_CAPTURE(rectangle, add, 0, width, 0x01010101u, add);
 
 [[maybe_unused]] const bool compared = [] {
-    compareto("BM_colourclear", "BM_memset");
+    compareto("rectangle/colourclear", "BM_memset");
     compareto("BM_depthclear", "BM_memset");
-    compareto("BM_opaquerectangle", "BM_memset");
-    compareto("BM_opaquerectanglerows", "BM_memset");
+    compareto("rectangle/opaque", "BM_memset");
+    compareto("rectangle/opaquerows", "BM_memset");
     return true;
 }();
 

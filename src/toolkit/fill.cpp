@@ -8,14 +8,32 @@
 #include "toolkit/blend.h"
 #include "util/frame.h"
 
-void storerun(uint32_t* p, int n, uint32_t value) {
-    auto address = reinterpret_cast<uintptr_t>(p);
-    int head = std::min(static_cast<int>((((address + 12) & ~uintptr_t{15}) - address) / 4), std::max(n, 0));
-    int i = 0;
-    for (; i < head; ++i) p[i] = value;
+namespace {
+
+// Long aligned bodies go through the string store, which the processor turns into its widest
+// aligned stores; it runs at the speed of memset, where a loop of 16-byte stores reaches only
+// about half of it once the run leaves the first-level cache. Short bodies would pay its start-up.
+constexpr int stringstoreminimum = 256;
+
+void storebody(uint32_t* p, long n, uint32_t value) {
+    if (n >= stringstoreminimum) {
+        asm volatile("rep stosl" : "+D"(p), "+c"(n) : "a"(value) : "memory");
+        return;
+    }
     const __m128i four = _mm_set1_epi32(static_cast<int>(value));
-    for (; i + 4 <= n; i += 4) _mm_store_si128(reinterpret_cast<__m128i*>(p + i), four);
-    for (; i < n; ++i) p[i] = value;
+    for (long i = 0; i < n; i += 4) _mm_store_si128(reinterpret_cast<__m128i*>(p + i), four);
+}
+
+}  // namespace
+
+void storerun(uint32_t* p, int n, uint32_t value) {
+    if (n <= 0) return;
+    auto address = reinterpret_cast<uintptr_t>(p);
+    int head = std::min(static_cast<int>((((address + 12) & ~uintptr_t{15}) - address) / 4), n);
+    for (int i = 0; i < head; ++i) p[i] = value;
+    int body = (n - head) & ~3;
+    storebody(p + head, body, value);
+    for (int i = head + body; i < n; ++i) p[i] = value;
 }
 
 cliprectangle::cliprectangle(const toolkit& t, int x0, int y0, int w0, int h0) {

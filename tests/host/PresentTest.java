@@ -15,6 +15,13 @@ class PresentTest {
         return c.getRGB() & 0xFFFFFF;
     }
 
+    // Each triple is x, y and the colour expected at that place of the component.
+    static void assertscreen(Robot robot, Point at, int... expected) {
+        for (int i = 0; i < expected.length; i += 3)
+            assertEquals(expected[i + 2], rgb(robot.getPixelColor(at.x + expected[i], at.y + expected[i + 1])),
+                    "at " + expected[i] + "," + expected[i + 1]);
+    }
+
     @Test
     void shownpixelsarriveexactlywheretheybelong() throws Exception {
         assumeFalse(GraphicsEnvironment.isHeadless(), "no display");
@@ -45,11 +52,8 @@ class PresentTest {
                 if (rgb(robot.getPixelColor(at.x + 63, at.y + 47)) == 0x01FE7F) break;
                 robot.delay(100);
             }
-            assertEquals(0xFF8040, rgb(robot.getPixelColor(at.x + 10, at.y + 5)));
-            assertEquals(0xFF8040, rgb(robot.getPixelColor(at.x + 17, at.y + 10)));
-            assertEquals(0x000000, rgb(robot.getPixelColor(at.x + 18, at.y + 10)));
-            assertEquals(0x123456, rgb(robot.getPixelColor(at.x + 31, at.y + 21)));
-            assertEquals(0x01FE7F, rgb(robot.getPixelColor(at.x + 0, at.y + 40)));
+            assertscreen(robot, at, 10, 5, 0xFF8040, 17, 10, 0xFF8040, 18, 10, 0x000000, 31, 21, 0x123456, 0, 40,
+                    0x01FE7F);
 
             // A part of the canvas shown at the component's origin, then one shown in place
             // with an offset into the canvas.
@@ -60,11 +64,7 @@ class PresentTest {
             canvas.CA(5, 5, 2, 2, 35, 25);
             robot.waitForIdle();
             robot.delay(200);
-            assertEquals(0xFF8040, rgb(robot.getPixelColor(at.x + 0, at.y + 0)));
-            assertEquals(0xFF8040, rgb(robot.getPixelColor(at.x + 7, at.y + 5)));
-            assertEquals(0xFFFF00, rgb(robot.getPixelColor(at.x + 5, at.y + 5)));
-            assertEquals(0xFFFF00, rgb(robot.getPixelColor(at.x + 6, at.y + 6)));
-            assertEquals(0x000000, rgb(robot.getPixelColor(at.x + 8, at.y + 8)));
+            assertscreen(robot, at, 0, 0, 0xFF8040, 7, 5, 0xFF8040, 5, 5, 0xFFFF00, 6, 6, 0xFFFF00, 8, 8, 0x000000);
         } finally {
             toolkit.PA(null);
             canvas.ma(0);

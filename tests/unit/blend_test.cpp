@@ -72,14 +72,17 @@ TEST(blendmode, opaqueblendisastore) {
     EXPECT_FALSE(isstore(add, 0xFF000000));
 }
 
-// Every start alignment and width 0 to 33: exactly the run is written, whatever the split.
+// Every start alignment and width 0 to 33, negative widths, and runs long enough for the
+// string store: exactly the run is written, whatever the split.
 TEST(storerun, writesexactlytherunateveryalignment) {
-    alignas(16) uint32_t buffer[64];
+    std::vector<int> widths = {-5, -1, 300, 301, 302, 303};
+    for (int n = 0; n <= 33; ++n) widths.push_back(n);
+    alignas(16) uint32_t buffer[320];
     for (int start = 0; start < 4; ++start)
-        for (int n = 0; n <= 33; ++n) {
+        for (int n : widths) {
             for (uint32_t& b : buffer) b = 0xDEADBEEF;
             storerun(buffer + 8 + start, n, 0x11223344);
-            for (int i = 0; i < 64; ++i) {
+            for (int i = 0; i < 320; ++i) {
                 bool inside = i >= 8 + start && i < 8 + start + n;
                 ASSERT_EQ(buffer[i], inside ? 0x11223344u : 0xDEADBEEFu) << start << " " << n << " " << i;
             }
