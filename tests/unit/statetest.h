@@ -18,7 +18,7 @@ inline uint32_t bitsof(float f) {
     return u;
 }
 
-// The processor's approximate reciprocal square root, which tests may not hard-code.
+// Through the processor's approximation, never hard-coded: it differs between makers.
 inline float rsqrt(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(x))); }
 
 class statetest : public ::testing::Test {

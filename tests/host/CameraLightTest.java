@@ -1,12 +1,17 @@
 import org.junit.jupiter.api.Test;
 
-// The light, fog and shade entries as the host sees them: bound by name with their argument
-// lists, and a fault with a light array held leaves nothing pinned.
-class LightTest {
+// The camera, light, fog and shade entries as the host sees them: bound by name with their
+// argument lists, and a missing array is a fault that leaves nothing pinned.
+class CameraLightTest {
+    static final float[] IDENTITY = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    static final float[] PERSPECTIVE = {1.5f, 0, 0, 0, 0, 2, 0, 0, 0, 0, 1.001f, 1, 0, 0, -1.001f, 0};
+
     @Test
     void everyentrytakesitsarguments() {
         try (Scene s = new Scene(8, 8)) {
-            s.toolkit.wa(ViewTest.PERSPECTIVE);
+            s.toolkit.GA(0f, 1f);
+            s.toolkit.AA(IDENTITY);
+            s.toolkit.wa(PERSPECTIVE);
             s.toolkit.m(0xFFFFEEDD, 0.5f, 1.0f, -1f, -2f, 0.5f);
             s.toolkit.IA(1.25f);
             s.toolkit.Q(6, new int[30], new float[6]);
@@ -21,13 +26,16 @@ class LightTest {
     }
 
     @Test
-    void amissingarrayisafaultthatreleasestheother() {
+    void amissingarrayisafaultthatreleasestheothers() {
         try (Scene s = new Scene(8, 8)) {
             int[] lights = {1, 2, 3, 4, 0xFF0000};
+            FrameTest.assertfault(() -> s.toolkit.AA(null));
+            FrameTest.assertfault(() -> s.toolkit.wa(null));
             FrameTest.assertfault(() -> s.toolkit.Q(1, lights, null));
             FrameTest.assertfault(() -> s.toolkit.Q(1, null, new float[] {1f}));
             for (int i = 0; i < 3; ++i) System.gc();
             s.toolkit.Q(1, lights, new float[] {1f});
+            s.toolkit.AA(PERSPECTIVE);
         }
     }
 }
