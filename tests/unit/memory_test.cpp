@@ -1,0 +1,339 @@
+// The arena's rules one at a time: where a block goes, when the arena compacts, asks its owner
+// for memory and grows, what handles see after a move, and what outlives the manager.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "flushingmanager.h"
+#include "util/exception.h"
+
+namespace {
+
+constexpr uint32_t kb = 1024;
+
+// Runs `work` and returns the words of the OutOfMemory it throws, or "" if it throws none.
+template <class F>
+std::string outofmemorywords(F&& work) {
+    try {
+        work();
+    } catch (Exception* e) {
+        std::string words = dynamic_cast<OutOfMemory*>(e) ? e->message() : "another class";
+        delete e;
+        return words;
+    }
+    return "";
+}
+
+void fill(const allocatedmemory<uint8_t>& h, uint8_t seed) {
+    for (int i = 0; i < h.length(); ++i) h[i] = static_cast<uint8_t>(seed + i * 7);
+}
+
+bool holds(const allocatedmemory<uint8_t>& h, uint8_t seed) {
+    for (int i = 0; i < h.length(); ++i)
+        if (h[i] != static_cast<uint8_t>(seed + i * 7)) return false;
+    return true;
+}
+
+TEST(memorymanager, newarenaiscleared) {
+    memorymanager m(64 * kb);
+    allocatedmemory<uint32_t> h;
+    m.allocate(h, 16 * kb);
+    for (int i = 0; i < h.length(); ++i) ASSERT_EQ(h[i], 0u);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(m.base) % memorymanager::arenaalignment, 0u);
+}
+
+// Blocks follow one another from the arena's start, each at the next multiple of its
+// alignment, and no alignment is below 8.
+TEST(memorymanager, blocksstackupwardsalignedtoatleasteight) {
+    memorymanager m(64 * kb);
+    allocatedmemory<uint8_t> a, b, c, d;
+    m.allocate(a, 1, 4);
+    m.allocate(b, 1, 4);
+    m.allocate(c, 3, 1);
+    m.allocate(d, 5, 64);
+    EXPECT_EQ(a.get(), m.base);
+    EXPECT_EQ(b.get(), m.base + 8);
+    EXPECT_EQ(c.get(), m.base + 16);
+    EXPECT_EQ(d.get(), m.base + 64);
+    EXPECT_EQ(m.verify(), nullptr);
+    // A gap is not reused until the arena compacts.
+    b.release();
+    allocatedmemory<uint8_t> e;
+    m.allocate(e, 1);
+    EXPECT_EQ(e.get(), m.base + 72);
+}
+
+TEST(memorymanager, allocatedbytescountslivebytesacrossmanagers) {
+    int before = allocatedbytes;
+    {
+        memorymanager m(64 * kb), n(64 * kb);
+        allocatedmemory<int> a, b, c;
+        m.allocate(a, 100);
+        n.allocate(b, 10);
+        EXPECT_EQ(allocatedbytes, before + 440);
+        c.copyfrom(a);
+        EXPECT_EQ(allocatedbytes, before + 440);
+        a.release();
+        EXPECT_EQ(allocatedbytes, before + 440);
+        c.truncate(25);
+        EXPECT_EQ(allocatedbytes, before + 140);
+        c.release();
+        EXPECT_EQ(allocatedbytes, before + 40);
+        b.release();
+        m.allocate(b, 3);
+        EXPECT_EQ(allocatedbytes, before + 12);
+    }
+    EXPECT_EQ(allocatedbytes, before);
+}
+
+// Handles that share a block see one length and one address; the block dies with the last.
+TEST(memorymanager, copiessharetheblockuntilthelastrelease) {
+    memorymanager m(64 * kb);
+    allocatedmemory<uint8_t> a, b, c;
+    m.allocate(a, 100);
+    fill(a, 1);
+    b.copyfrom(a);
+    c.copyfrom(b);
+    EXPECT_EQ(b.get(), a.get());
+    EXPECT_EQ(c.length(), 100);
+    c.truncate(60);
+    EXPECT_EQ(a.length(), 60);
+    a.copyfrom(a);
+    EXPECT_EQ(a.length(), 60);
+    a.release();
+    EXPECT_TRUE(a.empty());
+    EXPECT_EQ(a.get(), nullptr);
+    EXPECT_TRUE(holds(b, 1));
+    allocatedmemory<uint8_t> none;
+    b.copyfrom(none);
+    EXPECT_TRUE(b.empty());
+    EXPECT_EQ(m.verify(), nullptr);
+    c.release();
+    EXPECT_TRUE(m.blocks.empty());
+}
+
+// The bytes given back by a truncation of the most recent block are taken by the next one.
+TEST(memorymanager, truncationgivesbacktheend) {
+    memorymanager m(64 * kb);
+    allocatedmemory<uint32_t> a, b;
+    m.allocate(a, 100);
+    a.truncate(10);
+    EXPECT_EQ(a.length(), 10);
+    m.allocate(b, 1);
+    EXPECT_EQ(reinterpret_cast<uint8_t*>(b.get()), m.base + 40);
+    a.truncate(0);
+    EXPECT_FALSE(a.empty());
+    EXPECT_EQ(a.bytes(), 0u);
+}
+
+TEST(memorymanagerdeath, truncatingtomorethanthelengthfailstheassertion) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    memorymanager m(64 * kb);
+    allocatedmemory<uint16_t> h;
+    m.allocate(h, 10);
+    EXPECT_DEATH(h.truncate(11),
+                 "^Assertion failed: newlength<=length, file util\\\\memorymanager\\\\allocatedmemory, line 44\n");
+    EXPECT_DEATH(h.truncate(-1), "newlength<=length");
+}
+
+// Compaction slides every block down to its alignment and rewrites every handle of every block.
+TEST(memorymanager, compactionmovesblocksandeveryhandle) {
+    memorymanager m(64 * kb);
+    allocatedmemory<uint8_t> gap, a, a2, b, b2, b3;
+    m.allocate(gap, 100);
+    m.allocate(a, 50, 16);
+    m.allocate(b, 30, 128);
+    fill(a, 3);
+    fill(b, 4);
+    a2.copyfrom(a);
+    b2.copyfrom(b);
+    b3.copyfrom(b);
+    gap.release();
+    uint8_t* end = m.compact();
+    EXPECT_EQ(a.get(), m.base);
+    EXPECT_EQ(b.get(), m.base + 128);
+    EXPECT_EQ(end, m.base + 158);
+    EXPECT_EQ(a2.get(), a.get());
+    EXPECT_EQ(b2.get(), b.get());
+    EXPECT_EQ(b3.get(), b.get());
+    EXPECT_TRUE(holds(a, 3));
+    EXPECT_TRUE(holds(b3, 4));
+    EXPECT_EQ(m.verify(), nullptr);
+}
+
+// Growth multiplies the capacity, made a float, by the float 1.1 in extended precision.
+TEST(memorymanager, growthbyatenthinfloat) {
+    struct {
+        uint32_t capacity, grown;
+    } cases[] = {
+        {1000, 1100},
+        {4194309, 4613740},    // 1.1 as a double would give 4613739
+        {16777217, 18454938},  // the capacity rounds to 16777216 as a float
+    };
+    for (auto [capacity, grown] : cases) {
+        memorymanager m(capacity);
+        m.grow();
+        EXPECT_EQ(m.capacity, grown) << capacity;
+    }
+}
+
+// Growth moves the arena; every block keeps its place in it, its bytes and its handles.
+TEST(memorymanager, growthkeepsdataandhandles) {
+    memorymanager m(64 * kb);
+    allocatedmemory<uint8_t> a, b, b2;
+    m.allocate(a, 1000, 32);
+    m.allocate(b, 5000);
+    fill(a, 9);
+    fill(b, 10);
+    b2.copyfrom(b);
+    ptrdiff_t offset = b.get() - m.base;
+    m.grow();
+    EXPECT_EQ(b.get() - m.base, offset);
+    EXPECT_EQ(b2.get(), b.get());
+    EXPECT_TRUE(holds(a, 9));
+    EXPECT_TRUE(holds(b2, 10));
+    EXPECT_EQ(m.verify(), nullptr);
+}
+
+// A full arena compacts first: a gap in it is enough, and the owner is not asked.
+TEST(memorymanager, fullarenacompactsbeforeaskingtheowner) {
+    flushingmanager m(640 * kb);
+    allocatedmemory<uint8_t> a, b, c;
+    m.allocate(a, 300 * kb);
+    m.allocate(b, 300 * kb);
+    fill(b, 5);
+    a.release();
+    m.allocate(c, 320 * kb);
+    EXPECT_EQ(m.flushes, 0);
+    EXPECT_EQ(m.capacity, 640 * kb);
+    EXPECT_EQ(b.get(), m.base);
+    EXPECT_EQ(c.get(), m.base + 300 * kb);
+    EXPECT_TRUE(holds(b, 5));
+}
+
+// When compaction is not enough the owner is asked, after the first compaction, and what it
+// releases is compacted away before the block is placed. With 307200 bytes or more free
+// afterwards the arena keeps its size.
+TEST(memorymanager, ownerreleasesmemoryandthearenakeepsitssize) {
+    flushingmanager m(1024 * kb);
+    allocatedmemory<uint8_t> gap, a, b, c;
+    m.allocate(gap, 100 * kb);
+    m.allocate(a, 400 * kb);
+    m.allocate(b, 400 * kb);
+    fill(b, 6);
+    gap.release();
+    m.onflush = [&] {
+        EXPECT_EQ(a.get(), m.base);  // compacted before the owner was asked
+        a.release();
+    };
+    m.allocate(c, 500 * kb);
+    EXPECT_EQ(m.flushes, 1);
+    EXPECT_EQ(m.capacity, 1024 * kb);
+    EXPECT_EQ(b.get(), m.base);
+    EXPECT_EQ(c.get(), m.base + 400 * kb);
+    EXPECT_TRUE(holds(b, 6));
+}
+
+// With under 307200 bytes free after the owner's release, the arena grows at once, by a tenth.
+TEST(memorymanager, littlefreeafterthereleasegrowsatonce) {
+    flushingmanager m(1024 * kb);
+    allocatedmemory<uint8_t> a, b, c;
+    m.allocate(a, 100 * kb);
+    m.allocate(b, 800 * kb);
+    fill(b, 7);
+    m.onflush = [&] { a.release(); };
+    m.allocate(c, 250 * kb);  // 1024 - 800 = 224 KB free after the release
+    EXPECT_EQ(m.flushes, 1);
+    EXPECT_EQ(m.capacity, 1153433u);
+    EXPECT_EQ(c.get(), m.base + 800 * kb);
+    EXPECT_TRUE(holds(b, 7));
+}
+
+// With enough free space after the release but still no room, the first pass does not grow;
+// the second pass and each after it grow by a tenth, and the owner is asked only once.
+TEST(memorymanager, secondpassgrowsuntiltheblockfits) {
+    flushingmanager m(1024 * kb);
+    allocatedmemory<uint8_t> a, c;
+    m.allocate(a, 100 * kb);
+    fill(a, 8);
+    m.allocate(c, 1100 * kb);
+    EXPECT_EQ(m.flushes, 1);
+    // 1024 KB grows to 1153433 and then 1268776 bytes, the first that holds 1200 KB.
+    EXPECT_EQ(m.capacity, 1268776u);
+    EXPECT_TRUE(holds(a, 8));
+    EXPECT_EQ(m.verify(), nullptr);
+}
+
+// An owner that releases everything leaves the whole arena, and the block goes to its start.
+TEST(memorymanager, ownerreleasingeverythingstartsthearenaafresh) {
+    flushingmanager m(512 * kb);
+    allocatedmemory<uint8_t> a, c;
+    m.allocate(a, 400 * kb);
+    m.onflush = [&] { a.release(); };
+    m.allocate(c, 200 * kb);
+    EXPECT_EQ(m.flushes, 1);
+    EXPECT_EQ(m.capacity, 512 * kb);
+    EXPECT_EQ(c.get(), m.base);
+}
+
+// A block larger than an empty arena grows it rather than spill past its end.
+TEST(memorymanager, firstblocklargerthanthearenagrowsit) {
+    memorymanager m(64 * kb);
+    allocatedmemory<uint8_t> a;
+    m.allocate(a, 80 * kb);
+    EXPECT_GE(m.capacity, 80 * kb);
+    EXPECT_EQ(m.verify(), nullptr);
+}
+
+// A failed growth throws with the wanted capacity in KB and leaves the arena as it was.
+TEST(memorymanager, failedgrowthreportsthewantedsizeandkeepsthearena) {
+    memorymanager m(9);
+    allocatedmemory<uint8_t> a, b;
+    m.allocate(a, 8);
+    fill(a, 2);
+    uint8_t* base = m.base;
+    EXPECT_EQ(outofmemorywords([&] { m.allocate(b, 8); }), "native(MPR: 0)");
+    EXPECT_EQ(m.base, base);
+    EXPECT_EQ(m.capacity, 9u);
+    EXPECT_TRUE(b.empty());
+    EXPECT_TRUE(holds(a, 2));
+    // More than any arena can hold, as a negative count asks.
+    allocatedmemory<uint32_t> huge;
+    EXPECT_EQ(outofmemorywords([&] { m.allocate(huge, -1); }), "native(MPR: 16777215)");
+}
+
+// Handles outlive their manager: they read no memory and length 0, and release cleanly.
+TEST(memorymanager, handlesoutlivetheirmanager) {
+    int before = allocatedbytes;
+    allocatedmemory<int> a, b, c;
+    {
+        memorymanager m(64 * kb);
+        m.allocate(a, 10);
+        m.allocate(b, 20);
+        c.copyfrom(b);
+    }
+    EXPECT_EQ(allocatedbytes, before);
+    EXPECT_FALSE(b.empty());
+    EXPECT_EQ(b.get(), nullptr);
+    EXPECT_EQ(c.get(), nullptr);
+    EXPECT_EQ(c.length(), 0);
+    b.release();
+    c.release();
+    a.release();
+    EXPECT_EQ(allocatedbytes, before);
+}
+
+// After teardown the record stays for whoever still points at it, but gives out nothing.
+TEST(memorymanager, teardownleavesarecordthatallocatesnothing) {
+    memorymanager m(64 * kb);
+    allocatedmemory<int> a;
+    m.allocate(a, 10);
+    m.teardown();
+    EXPECT_EQ(m.base, nullptr);
+    EXPECT_TRUE(m.blocks.empty());
+    EXPECT_EQ(outofmemorywords([&] { m.allocate(a, 1); }), "native(MPA)");
+    EXPECT_TRUE(a.empty());
+}
+
+}  // namespace
