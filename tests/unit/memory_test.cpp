@@ -2,8 +2,10 @@
 // for memory and grows, what handles see after a move, and what outlives the manager.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "flushingmanager.h"
 #include "util/exception.h"
@@ -196,85 +198,58 @@ TEST(memorymanager, growthkeepsdataandhandles) {
     EXPECT_EQ(m.verify(), nullptr);
 }
 
-// A full arena compacts first: a gap in it is enough, and the owner is not asked.
-TEST(memorymanager, fullarenacompactsbeforeaskingtheowner) {
-    flushingmanager m(640 * kb);
-    allocatedmemory<uint8_t> a, b, c;
-    m.allocate(a, 300 * kb);
-    m.allocate(b, 300 * kb);
-    fill(b, 5);
-    a.release();
-    m.allocate(c, 320 * kb);
-    EXPECT_EQ(m.flushes, 0);
-    EXPECT_EQ(m.capacity, 640 * kb);
-    EXPECT_EQ(b.get(), m.base);
-    EXPECT_EQ(c.get(), m.base + 300 * kb);
-    EXPECT_TRUE(holds(b, 5));
-}
-
-// When compaction is not enough the owner is asked, after the first compaction, and what it
-// releases is compacted away before the block is placed. With 307200 bytes or more free
-// afterwards the arena keeps its size.
-TEST(memorymanager, ownerreleasesmemoryandthearenakeepsitssize) {
-    flushingmanager m(1024 * kb);
-    allocatedmemory<uint8_t> gap, a, b, c;
-    m.allocate(gap, 100 * kb);
-    m.allocate(a, 400 * kb);
-    m.allocate(b, 400 * kb);
-    fill(b, 6);
-    gap.release();
-    m.onflush = [&] {
-        EXPECT_EQ(a.get(), m.base);  // compacted before the owner was asked
-        a.release();
+// What a full arena does, case by case: it compacts; if that is not enough it asks its owner,
+// compacts what the owner released, and grows at once if under 307200 bytes are then free;
+// on every later pass it compacts and grows by a tenth until the block fits.
+TEST(memorymanager, fullarenacompactsasksitsownerandgrows) {
+    constexpr int none = -1, everything = -2;
+    struct {
+        const char* what;
+        uint32_t capacity;
+        std::vector<int> blocks;  // KB, allocated in this order
+        int releasedfirst;        // the index of a block released before, or none
+        int releasedbyowner;      // the index of the block the owner releases, none or everything
+        int wanted;               // KB
+        int flushes;
+        uint32_t grown;           // the capacity afterwards
+        uint32_t placed;          // the new block's offset in the arena
+    } cases[] = {
+        {"a gap is enough", 640 * kb, {300, 300}, 0, none, 320, 0, 640 * kb, 300 * kb},
+        {"the owner's release is enough", 1024 * kb, {100, 400, 400}, 0, 1, 500, 1, 1024 * kb, 400 * kb},
+        {"224 KB free after the release", 1024 * kb, {100, 800}, none, 0, 250, 1, 1153433, 800 * kb},
+        // 1024 KB grows to 1153433 and then 1268776 bytes, the first that holds 1200 KB.
+        {"nothing released, enough free", 1024 * kb, {100}, none, none, 1100, 1, 1268776, 100 * kb},
+        {"everything released", 512 * kb, {400}, none, everything, 200, 1, 512 * kb, 0},
     };
-    m.allocate(c, 500 * kb);
-    EXPECT_EQ(m.flushes, 1);
-    EXPECT_EQ(m.capacity, 1024 * kb);
-    EXPECT_EQ(b.get(), m.base);
-    EXPECT_EQ(c.get(), m.base + 400 * kb);
-    EXPECT_TRUE(holds(b, 6));
-}
-
-// With under 307200 bytes free after the owner's release, the arena grows at once, by a tenth.
-TEST(memorymanager, littlefreeafterthereleasegrowsatonce) {
-    flushingmanager m(1024 * kb);
-    allocatedmemory<uint8_t> a, b, c;
-    m.allocate(a, 100 * kb);
-    m.allocate(b, 800 * kb);
-    fill(b, 7);
-    m.onflush = [&] { a.release(); };
-    m.allocate(c, 250 * kb);  // 1024 - 800 = 224 KB free after the release
-    EXPECT_EQ(m.flushes, 1);
-    EXPECT_EQ(m.capacity, 1153433u);
-    EXPECT_EQ(c.get(), m.base + 800 * kb);
-    EXPECT_TRUE(holds(b, 7));
-}
-
-// With enough free space after the release but still no room, the first pass does not grow;
-// the second pass and each after it grow by a tenth, and the owner is asked only once.
-TEST(memorymanager, secondpassgrowsuntiltheblockfits) {
-    flushingmanager m(1024 * kb);
-    allocatedmemory<uint8_t> a, c;
-    m.allocate(a, 100 * kb);
-    fill(a, 8);
-    m.allocate(c, 1100 * kb);
-    EXPECT_EQ(m.flushes, 1);
-    // 1024 KB grows to 1153433 and then 1268776 bytes, the first that holds 1200 KB.
-    EXPECT_EQ(m.capacity, 1268776u);
-    EXPECT_TRUE(holds(a, 8));
-    EXPECT_EQ(m.verify(), nullptr);
-}
-
-// An owner that releases everything leaves the whole arena, and the block goes to its start.
-TEST(memorymanager, ownerreleasingeverythingstartsthearenaafresh) {
-    flushingmanager m(512 * kb);
-    allocatedmemory<uint8_t> a, c;
-    m.allocate(a, 400 * kb);
-    m.onflush = [&] { a.release(); };
-    m.allocate(c, 200 * kb);
-    EXPECT_EQ(m.flushes, 1);
-    EXPECT_EQ(m.capacity, 512 * kb);
-    EXPECT_EQ(c.get(), m.base);
+    for (auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        flushingmanager m(c.capacity);
+        std::vector<allocatedmemory<uint8_t>> held(c.blocks.size());
+        for (size_t i = 0; i < held.size(); ++i) {
+            m.allocate(held[i], c.blocks[i] * kb);
+            fill(held[i], static_cast<uint8_t>(i));
+        }
+        if (c.releasedfirst != none) held[c.releasedfirst].release();
+        m.onflush = [&] {
+            // Compacted before the owner is asked: the live blocks lie packed from the start.
+            uint32_t live = 0;
+            uint8_t* end = m.base;
+            for (auto& h : held) {
+                live += h.bytes();
+                if (!h.empty()) end = std::max(end, h.get() + h.bytes());
+            }
+            EXPECT_EQ(end, m.base + live);
+            for (size_t i = 0; i < held.size(); ++i)
+                if (c.releasedbyowner == everything || c.releasedbyowner == static_cast<int>(i)) held[i].release();
+        };
+        allocatedmemory<uint8_t> wanted;
+        m.allocate(wanted, c.wanted * kb);
+        EXPECT_EQ(m.flushes, c.flushes);
+        EXPECT_EQ(m.capacity, c.grown);
+        EXPECT_EQ(wanted.get(), m.base + c.placed);
+        for (size_t i = 0; i < held.size(); ++i) EXPECT_TRUE(holds(held[i], static_cast<uint8_t>(i)));
+        EXPECT_EQ(m.verify(), nullptr);
+    }
 }
 
 // A block larger than an empty arena grows it rather than spill past its end.
