@@ -5,6 +5,15 @@
 #include "util/arraypin.h"
 #include "util/frame.h"
 
+void clampcliprect(toolkit& t, int left, int top, int right, int bottom) {
+    setcliprect(t, std::max(left, 0), std::max(top, 0), std::min(right, t.width), std::min(bottom, t.height));
+}
+
+void narrowcliprect(toolkit& t, int left, int top, int right, int bottom) {
+    const int* c = t.cliprect;
+    setcliprect(t, std::max(left, c[0]), std::max(top, c[1]), std::min(right, c[2]), std::min(bottom, c[3]));
+}
+
 extern "C" {
 
 JNIEXPORT void JNICALL Java_ja_L(JNIEnv* env, jobject) {
@@ -16,17 +25,14 @@ JNIEXPORT void JNICALL Java_ja_L(JNIEnv* env, jobject) {
 
 JNIEXPORT void JNICALL Java_ja_r(JNIEnv* env, jobject, jint left, jint top, jint right, jint bottom) {
     runexport(env, [&] {
-        toolkit& t = *currenttoolkit;
-        setcliprect(t, std::max(left, 0), std::max(top, 0), std::min(right, t.width), std::min(bottom, t.height));
+        clampcliprect(*currenttoolkit, left, top, right, bottom);
     });
 }
 
 // Narrows only; the result may be empty or inverted.
 JNIEXPORT void JNICALL Java_ja_o(JNIEnv* env, jobject, jint left, jint top, jint right, jint bottom) {
     runexport(env, [&] {
-        toolkit& t = *currenttoolkit;
-        const int* c = t.cliprect;
-        setcliprect(t, std::max(left, c[0]), std::max(top, c[1]), std::min(right, c[2]), std::min(bottom, c[3]));
+        narrowcliprect(*currenttoolkit, left, top, right, bottom);
     });
 }
 

@@ -85,3 +85,7 @@ void setviewport(int x, int y, int w, int h, float nearz, float farz);
 
 // Sets the clip rectangle and keeps the rasterisers' copy in step.
 void setcliprect(toolkit& t, int left, int top, int right, int bottom);
+// Sets it with each side clamped to the target.
+void clampcliprect(toolkit& t, int left, int top, int right, int bottom);
+// Moves each side inward where the new value is tighter; the result may be empty or inverted.
+void narrowcliprect(toolkit& t, int left, int top, int right, int bottom);

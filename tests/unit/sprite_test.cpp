@@ -1,0 +1,121 @@
+// The sprite record and the operations that fill it: keyed and straight block copies, paletted
+// builds, the alpha rewrite; and the own-size draws' clipping and tiling.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "sprite/drawsprite.h"
+#include "sprite/sprite.h"
+
+namespace {
+
+struct ownedsprite {
+    sprite* s;
+    ownedsprite(int w, int h) : s(makesprite(w, h)) {}
+    ~ownedsprite() { destroysprite(s); }
+    sprite& operator*() const { return *s; }
+    sprite* operator->() const { return s; }
+};
+
+TEST(spriteobject, emptyspritehasablockandpadscountinthefullsize) {
+    ownedsprite s(0, 3);
+    EXPECT_NE(s->pixels, nullptr);
+    EXPECT_EQ(s->stride, 0);
+    s->padleft = 2;
+    s->padright = -5;
+    s->padtop = 1;
+    EXPECT_EQ(s->fullwidth(), -3);
+    EXPECT_EQ(s->fullheight(), 4);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(ownedsprite(3, 3)->pixels) % 16, 0u);
+}
+
+TEST(spriteobject, keyedcopymakesonlyzerotransparent) {
+    ownedsprite s(3, 2);
+    const uint32_t source[] = {0x00000000, 0x7F123456, 0x00000001, 0xDEAD, 0x80000000, 0x00FFFFFF, 0xBEEF};
+    copyblock(*s, 0, 0, 3, 2, source, 4, true);
+    EXPECT_EQ(std::vector<uint32_t>(s->pixels, s->pixels + 6),
+              (std::vector<uint32_t>{0, 0xFF123456, 0xFF000001, 0xFF000000, 0xFFFFFFFF, 0xFF00BEEF}));
+    copyblock(*s, 1, 1, 2, 1, source + 1, 0, false);
+    EXPECT_EQ(s->pixels[3], 0xFF000000u);
+    EXPECT_EQ(s->pixels[4], 0x7F123456u);
+    EXPECT_EQ(s->pixels[5], 0x00000001u);
+}
+
+TEST(spriteobject, paletteindexzeroistransparentonlywithoutalpha) {
+    ownedsprite s(3, 2);
+    int32_t palette[256] = {0x11223344, 0x00ABCDEF};
+    palette[255] = 0x7F654321;
+    const uint8_t indices[] = {0, 1, 255, 9, 1, 0, 0, 9};
+    buildfrompalette(*s, palette, indices, nullptr, 4);
+    EXPECT_EQ(std::vector<uint32_t>(s->pixels, s->pixels + 6),
+              (std::vector<uint32_t>{0, 0xFFABCDEF, 0xFF654321, 0xFFABCDEF, 0, 0}));
+    const uint8_t alpha[] = {0x80, 0x01, 0xFF, 9, 0x00, 0x40, 0x00, 9};
+    buildfrompalette(*s, palette, indices, alpha, 4);
+    EXPECT_EQ(std::vector<uint32_t>(s->pixels, s->pixels + 6),
+              (std::vector<uint32_t>{0x80223344, 0x01ABCDEF, 0xFF654321, 0x00ABCDEF, 0x40223344, 0x00223344}));
+}
+
+TEST(spriteobject, alpharewritetakesachannelormasksnonzerowords) {
+    ownedsprite s(2, 2);
+    const uint32_t buffer[] = {0x00A1B2C3, 0x00000000, 0xEE, 0x01000000, 0x12345678, 0xEE};
+    auto fill = [&] {
+        for (int i = 0; i < 4; ++i) s->pixels[i] = 0x55123456;
+    };
+    uint32_t expect[4][4] = {{0xA1123456, 0x00123456, 0x00123456, 0x34123456},
+                             {0xB2123456, 0x00123456, 0x00123456, 0x56123456},
+                             {0xC3123456, 0x00123456, 0x00123456, 0x78123456},
+                             {0xFF123456, 0x00123456, 0xFF123456, 0xFF123456}};
+    for (int channel = 0; channel < 4; ++channel) {
+        fill();
+        rewritealpha(*s, buffer, 3, channel);
+        EXPECT_EQ(std::vector<uint32_t>(s->pixels, s->pixels + 4), std::vector<uint32_t>(expect[channel], expect[channel] + 4))
+            << "channel " << channel;
+    }
+}
+
+struct smalltarget {
+    static constexpr int width = 16, height = 8;
+    std::vector<uint32_t> colour = std::vector<uint32_t>(width * height, 0);
+    toolkit t{};
+    smalltarget() {
+        t.width = width;
+        t.height = height;
+        t.colourbuffer = colour.data();
+        setcliprect(t, 0, 0, width, height);
+    }
+    uint32_t at(int x, int y) const { return colour[y * width + x]; }
+};
+
+// Pads move the image inside its full rectangle and are the gaps between repeats; the tile area
+// clips the last repeats, and the clip rectangle comes back clamped to the target.
+TEST(spritetiling, padsspacetherepeatsandtheareaclips) {
+    smalltarget g;
+    uint32_t pixels[2] = {0xFF0000AA, 0xFF0000BB};
+    spriteimage image{pixels, 2, 1, 2, 1, 1, 0, 1};  // full 3 by 3, image at (1, 1)
+    g.t.cliprect[2] = 40;  // wider than the target, as a resize would leave it
+    tilesprite(g.t, image, 0, 0, 8, 5, 1, 0, 0);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 9; ++x) {
+            uint32_t expect = 0;
+            if (y % 3 == 1 && x < 8 && x % 3 != 0) expect = x % 3 == 1 ? 0xFF0000AA : 0xFF0000BB;
+            EXPECT_EQ(g.at(x, y), expect) << x << ", " << y;
+        }
+    EXPECT_EQ(g.t.cliprect[2], smalltarget::width);
+}
+
+// The clip rectangle on the left cuts the source; out-of-range selections draw nothing.
+TEST(spritedraw, clippedsourceandinvalidselections) {
+    smalltarget g;
+    uint32_t pixels[4] = {1, 2, 3, 4};
+    setcliprect(g.t, 2, 0, 4, 1);
+    drawsprite(g.t, {pixels, 4, 1, 4, 0, 0, 0, 0}, 0, 0, 1, 0, 0);
+    EXPECT_EQ(g.at(1, 0), 0u);
+    EXPECT_EQ(g.at(2, 0), 3u);
+    EXPECT_EQ(g.at(3, 0), 4u);
+    setcliprect(g.t, 0, 0, smalltarget::width, smalltarget::height);
+    std::vector<uint32_t> before = g.colour;
+    for (auto [tint, blend] : {std::pair{5, 0}, {-1, 0}, {1, 3}, {1, -1}}) drawsprite(g.t, {pixels, 4, 1, 4, 0, 0, 0, 0}, 0, 1, tint, 0, blend);
+    EXPECT_EQ(g.colour, before);
+}
+
+}  // namespace

@@ -1,0 +1,162 @@
+// Every sprite pixel rule, in its group and leftover forms, against the scalar reference: all
+// pairs of the bytes that decide a channel, with a biased sample of the third; then rows of every
+// length from 1 to 33 at every start offset through the single draw.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <random>
+#include <vector>
+
+#include "sprite/drawsprite.h"
+#include "sprite/rules.h"
+#include "spritereference.h"
+
+namespace {
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr int pairstep = 7;  // the sanitised build samples the pairs
+#else
+constexpr int pairstep = 1;
+#endif
+
+// Bytes where carries, saturation and the sign of the weight change.
+constexpr std::array<uint32_t, 4> thirds = {0x00, 0x7F, 0x80, 0xFF};
+constexpr std::array<uint32_t, 4> thirdwords = {0x00000000, 0xFF7F80FF, 0x80FF0001, 0x7F01FF80};
+
+struct triple {
+    uint32_t s, c, d;
+};
+
+// Runs one rule on four triples as a group and on each as a leftover.
+template <tintmode T, blendmode B>
+struct undertest {
+    static void draw(const triple* p, uint32_t* group, uint32_t* leftover) {
+        tintconstants k(p[0].c);
+        __m128i s = _mm_setr_epi32(int(p[0].s), int(p[1].s), int(p[2].s), int(p[3].s));
+        __m128i d = _mm_setr_epi32(int(p[0].d), int(p[1].d), int(p[2].d), int(p[3].d));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(group), pixelop<T, B, true>(s, d, k));
+        for (int i = 0; i < 4; ++i) leftover[i] = leftoverpixel<T, B>(p[i].s, p[i].d, tintconstants(p[i].c));
+    }
+};
+constexpr auto members = ruletable<undertest>();
+
+// Four triples of a sweep share the colour, as the pixels of one draw do.
+template <class Make>
+void sweep(int rule, Make make) {
+    int tint = rule / 3, blend = rule % 3;
+    for (uint32_t third = 0; third < thirds.size(); ++third)
+        for (uint32_t i = 0; i < 256; i += pairstep)
+            for (uint32_t j = 0; j < 256; j += 4) {
+                triple p[4];
+                for (uint32_t l = 0; l < 4; ++l) p[l] = make(i, j + l, third);
+                for (uint32_t l = 1; l < 4; ++l) p[l].c = p[0].c;
+                uint32_t group[4], leftover[4];
+                members[rule](p, group, leftover);
+                for (int l = 0; l < 4; ++l) {
+                    const triple& q = p[l];
+                    ASSERT_EQ(group[l], spritereference::pixel(tint, blend, true, q.s, q.c, q.d))
+                        << "group, tint " << tint << " blend " << blend << std::hex << " s " << q.s << " c " << q.c
+                        << " d " << q.d;
+                    ASSERT_EQ(leftover[l], spritereference::pixel(tint, blend, false, q.s, q.c, q.d))
+                        << "leftover, tint " << tint << " blend " << blend << std::hex << " s " << q.s << " c "
+                        << q.c << " d " << q.d;
+                }
+            }
+}
+
+class pixelrules : public testing::TestWithParam<int> {};
+
+// Source alpha against a source channel: the blend's weight and the tinted value.
+TEST_P(pixelrules, sourcealphaagainstsourcechannel) {
+    sweep(GetParam(), [](uint32_t i, uint32_t j, uint32_t k) {
+        return triple{j << 24 | i << 16 | (i ^ 0x5A) << 8 | (255 - i), thirdwords[k], thirdwords[3 - k] ^ 0x00FF00FF};
+    });
+}
+
+// The colour's top byte against a colour channel: the weight's multipliers, both signs.
+TEST_P(pixelrules, colourweightagainstcolourchannel) {
+    sweep(GetParam(), [](uint32_t i, uint32_t j, uint32_t k) {
+        return triple{thirdwords[k] ^ 0x80808080, (i ^ 0x33) << 24 | j << 16 | (255 - j) << 8 | j, thirdwords[3 - k]};
+    });
+}
+
+// A source channel against the channel under it, at fixed alphas.
+TEST_P(pixelrules, sourcechannelagainstdestination) {
+    sweep(GetParam(), [](uint32_t i, uint32_t j, uint32_t k) {
+        return triple{thirds[k] << 24 | i * 0x010101u, thirdwords[k] ^ 0x40000000, j * 0x01010101u};
+    });
+}
+
+// A source channel against a colour channel, the pair every tint combines.
+TEST_P(pixelrules, sourcechannelagainstcolourchannel) {
+    sweep(GetParam(), [](uint32_t i, uint32_t j, uint32_t k) {
+        return triple{i * 0x01010101u, (thirds[k] ^ 0x3C) << 24 | j * 0x010101u, thirdwords[k]};
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(all, pixelrules, testing::Range(0, 15), [](const testing::TestParamInfo<int>& info) {
+    return "tint" + std::to_string(info.param / 3) + "blend" + std::to_string(info.param % 3);
+});
+
+// A one-row target that a sprite row is drawn into.
+struct rowtarget {
+    static constexpr int width = 40;
+    alignas(64) uint32_t pixels[width];
+    toolkit t{};
+    rowtarget() {
+        t.width = width;
+        t.height = 1;
+        t.colourbuffer = pixels;
+    }
+};
+
+// Which pixels are leftovers depends on the clipped row, not on where the source starts: every
+// length from 1 to 33, every buffer offset and every source offset 0 to 3.
+TEST(spriterows, groupsstartatthecliplefteveryoffsetandlength) {
+    std::mt19937 random(7);
+    std::vector<uint32_t> source(40), before(rowtarget::width);
+    for (uint32_t& p : source) p = random();
+    spriteimage image{source.data(), 37, 1, 37, 0, 0, 0, 0};
+    rowtarget r;
+    for (int rule = 0; rule < 15; ++rule)
+        for (int skip = 0; skip < 4; ++skip)
+            for (int offset = 0; offset < 4; ++offset)
+                for (int n = 1; n <= 33; ++n) {
+                    uint32_t colour = random();
+                    for (uint32_t& p : before) p = random();
+                    std::copy(before.begin(), before.end(), r.pixels);
+                    setcliprect(r.t, offset, 0, offset + n, 1);
+                    drawsprite(r.t, image, offset - skip, 0, rule / 3, colour, rule % 3);
+                    for (int x = 0; x < rowtarget::width; ++x) {
+                        int i = x - offset;
+                        uint32_t expect = before[x];
+                        if (i >= 0 && i < n)
+                            expect = spritereference::pixel(rule / 3, rule % 3, i < (n & ~3), source[skip + i], colour,
+                                                            before[x]);
+                        ASSERT_EQ(r.pixels[x], expect) << "rule " << rule << " skip " << skip << " offset " << offset
+                                                       << " n " << n << " x " << x;
+                    }
+                }
+}
+
+// The cases that show the two group-and-leftover differences.
+TEST(spriterows, transparentleftoverdarkensandweighttermstopsatthegroups) {
+    uint32_t source[6] = {0, 0, 0, 0, 0, 0};
+    rowtarget r;
+    std::fill(r.pixels, r.pixels + rowtarget::width, 0xC8C8C8C8u);
+    setcliprect(r.t, 0, 0, rowtarget::width, 1);
+    drawsprite(r.t, {source, 6, 1, 6, 0, 0, 0, 0}, 0, 0, 1, 0, 1);
+    EXPECT_EQ(r.pixels[3], 0xC8C8C8C8u);
+    EXPECT_EQ(r.pixels[4], 0xC7C7C7C7u);
+    EXPECT_EQ(r.pixels[6], 0xC8C8C8C8u);
+
+    uint32_t grey[6] = {0x80808080, 0x80808080, 0x80808080, 0x80808080, 0x80808080, 0x80808080};
+    std::fill(r.pixels, r.pixels + rowtarget::width, 0u);
+    drawsprite(r.t, {grey, 6, 1, 6, 0, 0, 0, 0}, 0, 0, 2, 0x40FFFFFF, 0);
+    // 0x80 * 64 >> 8 = 0x20 from the pixel; 255 * 191 >> 8 = 0xBE from the colour (0x2F from its
+    // alpha byte), in groups only.
+    EXPECT_EQ(r.pixels[0], 0x4FDEDEDEu);
+    EXPECT_EQ(r.pixels[5], 0x20202020u);
+}
+
+}  // namespace
