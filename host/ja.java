@@ -14,6 +14,7 @@ public class ja {
     public native void da();
     public native int j();
     public native int oa();
+    public native int za();
     public native void b(int a, int b, int c, int d, int e);
     public native void N(int a, int b, int c, int d, int e, int f, int g, int h, int i);
 
@@ -37,6 +38,21 @@ public class ja {
     public native void A(int x, int y, int w, int h);
     public native void GA(float near, float far);
     public native void xa(int[] out);
+
+    // Camera: 16 floats, four rows of four, acting on row vectors
+    public native void AA(float[] viewmatrix);
+    public native void wa(float[] projectionmatrix);
+
+    // Light and fog
+    public native void m(int colour, float ambient, float diffuse, float x, float y, float z);
+    public native void IA(float lightfactor);
+    public native void Q(int count, int[] lights, float[] intensities);
+    public native void J(int shadowcell);
+    public native void RA(boolean fogenabled);
+    public native void c(int colour, int distance, int unused);
+    public native void JA(int start, int colour, int range, int unused);
+    public native void M(int start, int colour, int range, int unused);
+    public native void O();
 
     /** Called when drawing needs a texture that is not loaded; true once it has been given. */
     public boolean SA(short id) {
