@@ -34,4 +34,5 @@ public class fa {
     public native void aa(long sprite, int x, int y, int w, int h, int tint, int colour, int blend);
     public native void ha(long sprite, int x, int y, int w, int h, int tint, int colour, int blend);
     public native void G(long sprite, int x, int y, int z, int w, int h, int tint, int colour, int blend);
+    public native void o(long sprite, int x, int y, long mask, int maskx, int masky);
 }

@@ -2,34 +2,13 @@
 
 #include <algorithm>
 
-#include "sprite/rules.h"
+#include "sprite/spriterows.h"
+#include "toolkit/spanmask.h"
 #include "util/frame.h"
 
 namespace {
 
 using int64 = long long;
-
-// n pixels of a row: groups of four from the left end, then the leftovers.
-template <tintmode T, blendmode B>
-[[gnu::always_inline]] inline void pixelrow(uint32_t* dst, const uint32_t* src, int n, const tintconstants& k) {
-    int i = 0;
-    for (; i + 4 <= n; i += 4) {
-        __m128i s = _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + i));
-        __m128i d = _mm_loadu_si128(reinterpret_cast<const __m128i*>(dst + i));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + i), pixelop<T, B, true>(s, d, k));
-    }
-    for (; i < n; ++i) dst[i] = leftoverpixel<T, B>(src[i], dst[i], k);
-}
-
-template <tintmode T, blendmode B>
-struct ownsize {
-    static void draw(uint32_t* dst, long dstpitch, const uint32_t* src, long srcpitch, int n, int rows,
-                     const tintconstants& k) {
-        for (int j = 0; j < rows; ++j, dst += dstpitch, src += srcpitch) pixelrow<T, B>(dst, src, n, k);
-    }
-};
-
-constexpr auto ownsizemembers = ruletable<ownsize>();
 
 // The first and last of `count` repeats, `step` apart from `from`, whose image (starting `lead`
 // into the repeat, `size` long) meets [low, high). Repeats outside it would draw nothing.
@@ -55,7 +34,7 @@ void drawat(const toolkit& t, const spriteimage& image, int64 x, int64 y, int ru
     int64 n = std::min<int64>(image.width - (sx - X), clip[2] - sx);
     int64 rows = std::min<int64>(image.height - (sy - Y), clip[3] - sy);
     if (n < 1 || rows < 1) return;
-    ownsizemembers[rule](t.colourbuffer + sy * t.width + sx, t.width, image.pixels + (sy - Y) * image.pitch + (sx - X),
+    spriterowtables->ownsize[rule](t.colourbuffer + sy * t.width + sx, t.width, image.pixels + (sy - Y) * image.pitch + (sx - X),
                          image.pitch, static_cast<int>(n), static_cast<int>(rows), k);
 }
 
@@ -86,6 +65,38 @@ void tilesprite(toolkit& t, const spriteimage& image, int x, int y, int w, int h
     clampcliprect(t, saved[0], saved[1], saved[2], saved[3]);
 }
 
+void drawthroughmask(const toolkit& t, const spriteimage& image, int x, int y, const spanmask& mask, int maskx,
+                     int masky) {
+    if (!t.colourbuffer) return;
+    // The clip rectangle narrowed to the mask's rectangle, then the single draw's clipping.
+    const int* clip = t.cliprect;
+    int64 left = std::max<int64>(clip[0], maskx), top = std::max<int64>(clip[1], masky);
+    int64 right = std::min<int64>(clip[2], int64{maskx} + mask.width);
+    int64 bottom = std::min<int64>(clip[3], int64{masky} + mask.height);
+    int64 X = int64{x} + image.padleft, Y = int64{y} + image.padtop;
+    int64 sx = std::max(X, left), sy = std::max(Y, top);
+    int64 n = std::min<int64>(image.width - (sx - X), right - sx);
+    int64 rows = std::min<int64>(image.height - (sy - Y), bottom - sy);
+    if (n < 1 || rows < 1) return;
+    int64 mx = std::max<int64>(0, sx - maskx), my = std::max<int64>(0, sy - masky);
+    rows = std::min(rows, mask.rows() - my);
+    const int* offsets = mask.offsets.get();
+    const int* widths = mask.widths.get();
+    ownsizedraw blendrow = spriterowtables->ownsize[ruleindex(int(tintmode::plain), blend)];
+    const tintconstants k(0);
+    uint32_t* dst = t.colourbuffer + sy * t.width + sx;
+    const uint32_t* src = image.pixels + (sy - Y) * image.pitch + (sx - X);
+    for (int64 j = 0; j < rows; ++j, dst += t.width, src += image.pitch) {
+        // A span that starts right of the run skips pixels of both; one that starts left of it
+        // loses that much of its width.
+        int64 e = offsets[my + j] - mx;
+        int64 c = std::min(n - std::max<int64>(e, 0), widths[my + j] - std::max<int64>(-e, 0));
+        if (c < 1) continue;
+        int64 skip = std::max<int64>(e, 0);
+        blendrow(dst + skip, 0, src + skip, 0, static_cast<int>(c), 1, k);
+    }
+}
+
 extern "C" {
 
 JNIEXPORT void JNICALL Java_fa_Y(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint tint, jint colour,
@@ -97,6 +108,15 @@ JNIEXPORT void JNICALL Java_fa_aa(JNIEnv* env, jobject, jlong handle, jint x, ji
                                   jint colour, jint blend) {
     runexport(env, [&] {
         tilesprite(*currenttoolkit, imageof(*spriteat(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour), blend);
+    });
+}
+
+// The mask comes as the long that holds its address.
+JNIEXPORT void JNICALL Java_fa_o(JNIEnv* env, jobject, jlong handle, jint x, jint y, jlong mask, jint maskx,
+                                 jint masky) {
+    runexport(env, [&] {
+        drawthroughmask(*currenttoolkit, imageof(*spriteat(handle)), x, y,
+                        *reinterpret_cast<const spanmask*>(static_cast<intptr_t>(mask)), maskx, masky);
     });
 }
 

@@ -7,6 +7,8 @@
 #include "sprite/sprite.h"
 #include "toolkit/toolkit.h"
 
+struct spanmask;
+
 // (x, y) is the corner of the full rectangle; the image lies inside it by its pads. A tintmode or
 // blendmode out of range draws nothing.
 void drawsprite(const toolkit& t, const spriteimage& image, int x, int y, int tint, uint32_t colour, int blend);
@@ -15,3 +17,8 @@ void drawsprite(const toolkit& t, const spriteimage& image, int x, int y, int ti
 // to that area; the clip rectangle is put back, clamped to the target, afterwards.
 void tilesprite(toolkit& t, const spriteimage& image, int x, int y, int w, int h, int tint, uint32_t colour,
                 int blend);
+
+// Alpha-blends the plain sprite where the mask, its corner at (maskx, masky), admits pixels. Rows
+// past the end of the mask's tables draw nothing.
+void drawthroughmask(const toolkit& t, const spriteimage& image, int x, int y, const spanmask& mask, int maskx,
+                     int masky);

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 
+#include "sprite/lanes.h"
 #include "toolkit/blend.h"
 
 enum class tintmode : int { multiply, plain, weight, add, subtract };
@@ -38,62 +39,74 @@ struct tintconstants {
 
 namespace pixelops {
 
-// out = ((s * a) >> 8) + ((d * (k - a)) >> 8) per 16-bit lane, products kept to 16 bits, packed
-// with saturation; k is 256 in groups and 255 in leftovers.
-template <bool group>
-[[gnu::always_inline]] inline __m128i alphablend(__m128i lo, __m128i hi, __m128i d) {
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i full = _mm_set1_epi16(group ? 256 : 255);
-    __m128i alo = _mm_shufflehi_epi16(_mm_shufflelo_epi16(lo, 0xFF), 0xFF);
-    __m128i ahi = _mm_shufflehi_epi16(_mm_shufflelo_epi16(hi, 0xFF), 0xFF);
-    __m128i dlo = _mm_unpacklo_epi8(d, zero), dhi = _mm_unpackhi_epi8(d, zero);
-    __m128i rlo = _mm_add_epi16(_mm_srli_epi16(_mm_mullo_epi16(lo, alo), 8),
-                                _mm_srli_epi16(_mm_mullo_epi16(dlo, _mm_sub_epi16(full, alo)), 8));
-    __m128i rhi = _mm_add_epi16(_mm_srli_epi16(_mm_mullo_epi16(hi, ahi), 8),
-                                _mm_srli_epi16(_mm_mullo_epi16(dhi, _mm_sub_epi16(full, ahi)), 8));
-    return _mm_packus_epi16(rlo, rhi);
+// out = ((s * a) >> 8) + ((d * (k - a)) >> 8) per channel, packed with saturation, where k is 256
+// in groups and 255 in leftovers.
+
+// For a source of bytes: each product is the high half of a byte shifted up by 8 times a weight.
+template <class V, bool group>
+[[gnu::always_inline]] inline typename V::type alphablend(typename V::type s, typename V::type d) {
+    const auto zero = V::zero(), full = V::set16(group ? 256 : 255);
+    auto a = V::shr32(s, 24);
+    a = V::or_(a, V::shl32(a, 16));
+    auto alo = V::unpacklo32(a, a), ahi = V::unpackhi32(a, a);
+    auto rlo = V::add16(V::mulhi16(V::unpacklo8(zero, s), alo), V::mulhi16(V::unpacklo8(zero, d), V::sub16(full, alo)));
+    auto rhi = V::add16(V::mulhi16(V::unpackhi8(zero, s), ahi), V::mulhi16(V::unpackhi8(zero, d), V::sub16(full, ahi)));
+    return V::packus16(rlo, rhi);
+}
+
+// For a source of 16-bit lanes of any value, as the weight tint gives: products keep their low
+// 16 bits, and the alpha lane may be above 255.
+template <class V, bool group>
+[[gnu::always_inline]] inline typename V::type alphablend(typename V::type lo, typename V::type hi, typename V::type d) {
+    const auto zero = V::zero(), full = V::set16(group ? 256 : 255);
+    auto alo = V::spread3(lo), ahi = V::spread3(hi);
+    auto dlo = V::unpacklo8(d, zero), dhi = V::unpackhi8(d, zero);
+    auto rlo = V::add16(V::shr16(V::mullo16(lo, alo), 8), V::shr16(V::mullo16(dlo, V::sub16(full, alo)), 8));
+    auto rhi = V::add16(V::shr16(V::mullo16(hi, ahi), 8), V::shr16(V::mullo16(dhi, V::sub16(full, ahi)), 8));
+    return V::packus16(rlo, rhi);
 }
 
 // Writes s2 (packed bytes) by a store or a saturating add.
-template <blendmode B>
-[[gnu::always_inline]] inline __m128i write(__m128i s2, __m128i d) {
-    if constexpr (B == add) return _mm_adds_epu8(s2, d);
+template <class V, blendmode B>
+[[gnu::always_inline]] inline typename V::type write(typename V::type s2, typename V::type d) {
+    if constexpr (B == add) return V::addsat8(s2, d);
     else return s2;
 }
 
 }  // namespace pixelops
 
-// Four pixels of source `s` over four of buffer `d`; in a leftover only lane 0 counts.
-template <tintmode T, blendmode B, bool group>
-[[gnu::always_inline]] inline __m128i pixelop(__m128i s, __m128i d, const tintconstants& k) {
+// Groups of four pixels of source `s` over the buffer's `d`, in lane type V; in a leftover only
+// the first pixel counts.
+template <class V, tintmode T, blendmode B, bool group>
+[[gnu::always_inline]] inline typename V::type pixelop(typename V::type s, typename V::type d, const tintconstants& k) {
     using namespace pixelops;
-    const __m128i zero = _mm_setzero_si128();
+    const auto zero = V::zero();
     if constexpr (T == tintmode::weight) {
         // p = ((s << 8) * m) >> 16 per channel.
-        __m128i plo = _mm_mulhi_epu16(_mm_unpacklo_epi8(zero, s), k.sourcemul);
-        __m128i phi = _mm_mulhi_epu16(_mm_unpackhi_epi8(zero, s), k.sourcemul);
-        if constexpr (B == blend)
-            return alphablend<group>(_mm_add_epi16(plo, k.colourterm), _mm_add_epi16(phi, k.colourterm), d);
-        __m128i s2 = _mm_packus_epi16(plo, phi);
-        if constexpr (group) s2 = _mm_add_epi8(s2, k.colourbyte);
-        return write<B>(s2, d);
-    } else if constexpr (T == tintmode::multiply) {
-        __m128i lo = _mm_srli_epi16(_mm_mullo_epi16(_mm_unpacklo_epi8(s, zero), k.channels), 8);
-        __m128i hi = _mm_srli_epi16(_mm_mullo_epi16(_mm_unpackhi_epi8(s, zero), k.channels), 8);
-        if constexpr (B == blend) return alphablend<group>(lo, hi, d);
-        return write<B>(_mm_packus_epi16(lo, hi), d);
+        const auto mul = V::widen(k.sourcemul), term = V::widen(k.colourterm);
+        auto plo = V::mulhi16(V::unpacklo8(zero, s), mul), phi = V::mulhi16(V::unpackhi8(zero, s), mul);
+        if constexpr (B == blend) return alphablend<V, group>(V::add16(plo, term), V::add16(phi, term), d);
+        auto s2 = V::packus16(plo, phi);
+        if constexpr (group) s2 = V::add8(s2, V::widen(k.colourbyte));
+        return write<V, B>(s2, d);
     } else {
-        __m128i s2 = s;
-        if constexpr (T == tintmode::add) s2 = _mm_adds_epu8(s, k.bytes);
-        if constexpr (T == tintmode::subtract) s2 = _mm_subs_epu8(s, k.bytes);
-        if constexpr (B == blend) return alphablend<group>(_mm_unpacklo_epi8(s2, zero), _mm_unpackhi_epi8(s2, zero), d);
-        return write<B>(s2, d);
+        auto s2 = s;
+        if constexpr (T == tintmode::multiply) {
+            // Products of two bytes shifted down by 8 stay bytes.
+            const auto c = V::widen(k.channels);
+            s2 = V::packus16(V::shr16(V::mullo16(V::unpacklo8(s, zero), c), 8),
+                             V::shr16(V::mullo16(V::unpackhi8(s, zero), c), 8));
+        }
+        if constexpr (T == tintmode::add) s2 = V::addsat8(s, V::widen(k.bytes));
+        if constexpr (T == tintmode::subtract) s2 = V::subsat8(s, V::widen(k.bytes));
+        if constexpr (B == blend) return alphablend<V, group>(s2, d);
+        return write<V, B>(s2, d);
     }
 }
 
 // One pixel by the leftover rules; the transformed draws use it for every pixel.
 template <tintmode T, blendmode B>
 [[gnu::always_inline]] inline uint32_t leftoverpixel(uint32_t s, uint32_t d, const tintconstants& k) {
-    __m128i r = pixelop<T, B, false>(_mm_cvtsi32_si128(static_cast<int>(s)), _mm_cvtsi32_si128(static_cast<int>(d)), k);
+    __m128i r = pixelop<lanes4, T, B, false>(_mm_cvtsi32_si128(static_cast<int>(s)), _mm_cvtsi32_si128(static_cast<int>(d)), k);
     return static_cast<uint32_t>(_mm_cvtsi128_si32(r));
 }

@@ -6,6 +6,7 @@
 
 #include "sprite/drawsprite.h"
 #include "sprite/sprite.h"
+#include "target.h"
 
 namespace {
 
@@ -116,6 +117,37 @@ TEST(spritedraw, clippedsourceandinvalidselections) {
     std::vector<uint32_t> before = g.colour;
     for (auto [tint, blend] : {std::pair{5, 0}, {-1, 0}, {1, 3}, {1, -1}}) drawsprite(g.t, {pixels, 4, 1, 4, 0, 0, 0, 0}, 0, 1, tint, 0, blend);
     EXPECT_EQ(g.colour, before);
+}
+
+}  // namespace
+
+namespace {
+
+// Random copies inside the sprite, keyed or not: the block and nothing else changes.
+TEST(spriteobject, randomblockcopieswriteexactlytheblock) {
+    testrng rng(5);
+    for (int round = 0; round < 500; ++round) {
+        int width = 1 + int(rng() % 20), height = 1 + int(rng() % 10);
+        ownedsprite s(width, height);
+        for (int i = 0; i < width * height; ++i) s->pixels[i] = rng();
+        std::vector<uint32_t> before(s->pixels, s->pixels + width * height);
+        int x = int(rng() % width), y = int(rng() % height);
+        int w = int(rng() % (width - x + 1)), h = int(rng() % (height - y + 1));
+        long pitch = w + rng() % 4;
+        std::vector<uint32_t> source(pitch * h + 1);
+        for (uint32_t& p : source) p = rng() % 3 ? randompixel(rng) : 0;
+        bool key = rng() % 2;
+        copyblock(*s, x, y, w, h, source.data(), pitch, key);
+        for (int j = 0; j < height; ++j)
+            for (int i = 0; i < width; ++i) {
+                uint32_t expect = before[j * width + i];
+                if (i >= x && i < x + w && j >= y && j < y + h) {
+                    uint32_t v = source[(j - y) * pitch + (i - x)];
+                    expect = key && v ? v | 0xFF000000u : v;
+                }
+                ASSERT_EQ(s->pixels[j * width + i], expect) << "round " << round;
+            }
+    }
 }
 
 }  // namespace

@@ -8,8 +8,11 @@
 #include <vector>
 
 #include "sprite/drawsprite.h"
-#include "sprite/rules.h"
+#include "sprite/spriterows.h"
 #include "spritereference.h"
+
+using spritereference::drawingwith;
+using spritereference::rowtablesavailable;
 
 namespace {
 
@@ -27,41 +30,36 @@ struct triple {
     uint32_t s, c, d;
 };
 
-// Runs one rule on four triples as a group and on each as a leftover.
-template <tintmode T, blendmode B>
-struct undertest {
-    static void draw(const triple* p, uint32_t* group, uint32_t* leftover) {
-        tintconstants k(p[0].c);
-        __m128i s = _mm_setr_epi32(int(p[0].s), int(p[1].s), int(p[2].s), int(p[3].s));
-        __m128i d = _mm_setr_epi32(int(p[0].d), int(p[1].d), int(p[2].d), int(p[3].d));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(group), pixelop<T, B, true>(s, d, k));
-        for (int i = 0; i < 4; ++i) leftover[i] = leftoverpixel<T, B>(p[i].s, p[i].d, tintconstants(p[i].c));
-    }
-};
-constexpr auto members = ruletable<undertest>();
-
-// Four triples of a sweep share the colour, as the pixels of one draw do.
+// Eight triples of a sweep share the colour, as the pixels of one draw do. They go through each
+// table's member once as one row of groups, and each alone as a leftover.
 template <class Make>
 void sweep(int rule, Make make) {
     int tint = rule / 3, blend = rule % 3;
-    for (uint32_t third = 0; third < thirds.size(); ++third)
-        for (uint32_t i = 0; i < 256; i += pairstep)
-            for (uint32_t j = 0; j < 256; j += 4) {
-                triple p[4];
-                for (uint32_t l = 0; l < 4; ++l) p[l] = make(i, j + l, third);
-                for (uint32_t l = 1; l < 4; ++l) p[l].c = p[0].c;
-                uint32_t group[4], leftover[4];
-                members[rule](p, group, leftover);
-                for (int l = 0; l < 4; ++l) {
-                    const triple& q = p[l];
-                    ASSERT_EQ(group[l], spritereference::pixel(tint, blend, true, q.s, q.c, q.d))
-                        << "group, tint " << tint << " blend " << blend << std::hex << " s " << q.s << " c " << q.c
-                        << " d " << q.d;
-                    ASSERT_EQ(leftover[l], spritereference::pixel(tint, blend, false, q.s, q.c, q.d))
-                        << "leftover, tint " << tint << " blend " << blend << std::hex << " s " << q.s << " c "
-                        << q.c << " d " << q.d;
+    for (const rowtables* table : rowtablesavailable())
+        for (uint32_t third = 0; third < thirds.size(); ++third)
+            for (uint32_t i = 0; i < 256; i += pairstep)
+                for (uint32_t j = 0; j < 256; j += 8) {
+                    triple p[8];
+                    uint32_t s[8], d[8], group[8], leftover[8];
+                    for (uint32_t l = 0; l < 8; ++l) {
+                        p[l] = make(i, j + l, third);
+                        p[l].c = p[0].c;
+                        s[l] = p[l].s;
+                        group[l] = leftover[l] = d[l] = p[l].d;
+                    }
+                    tintconstants k(p[0].c);
+                    table->ownsize[rule](group, 8, s, 8, 8, 1, k);
+                    for (int l = 0; l < 8; ++l) table->ownsize[rule](leftover + l, 1, s + l, 1, 1, 1, k);
+                    for (int l = 0; l < 8; ++l) {
+                        const triple& q = p[l];
+                        ASSERT_EQ(group[l], spritereference::pixel(tint, blend, true, q.s, q.c, q.d))
+                            << "group, tint " << tint << " blend " << blend << std::hex << " s " << q.s << " c " << q.c
+                            << " d " << q.d;
+                        ASSERT_EQ(leftover[l], spritereference::pixel(tint, blend, false, q.s, q.c, q.d))
+                            << "leftover, tint " << tint << " blend " << blend << std::hex << " s " << q.s << " c "
+                            << q.c << " d " << q.d;
+                    }
                 }
-            }
 }
 
 class pixelrules : public testing::TestWithParam<int> {};
@@ -118,25 +116,28 @@ TEST(spriterows, groupsstartatthecliplefteveryoffsetandlength) {
     for (uint32_t& p : source) p = random();
     spriteimage image{source.data(), 37, 1, 37, 0, 0, 0, 0};
     rowtarget r;
-    for (int rule = 0; rule < 15; ++rule)
-        for (int skip = 0; skip < 4; ++skip)
-            for (int offset = 0; offset < 4; ++offset)
-                for (int n = 1; n <= 33; ++n) {
-                    uint32_t colour = random();
-                    for (uint32_t& p : before) p = random();
-                    std::copy(before.begin(), before.end(), r.pixels);
-                    setcliprect(r.t, offset, 0, offset + n, 1);
-                    drawsprite(r.t, image, offset - skip, 0, rule / 3, colour, rule % 3);
-                    for (int x = 0; x < rowtarget::width; ++x) {
-                        int i = x - offset;
-                        uint32_t expect = before[x];
-                        if (i >= 0 && i < n)
-                            expect = spritereference::pixel(rule / 3, rule % 3, i < (n & ~3), source[skip + i], colour,
-                                                            before[x]);
-                        ASSERT_EQ(r.pixels[x], expect) << "rule " << rule << " skip " << skip << " offset " << offset
-                                                       << " n " << n << " x " << x;
+    for (const rowtables* table : rowtablesavailable()) {
+        drawingwith rows(table);
+        for (int rule = 0; rule < 15; ++rule)
+            for (int skip = 0; skip < 4; ++skip)
+                for (int offset = 0; offset < 4; ++offset)
+                    for (int n = 1; n <= 33; ++n) {
+                        uint32_t colour = random();
+                        for (uint32_t& p : before) p = random();
+                        std::copy(before.begin(), before.end(), r.pixels);
+                        setcliprect(r.t, offset, 0, offset + n, 1);
+                        drawsprite(r.t, image, offset - skip, 0, rule / 3, colour, rule % 3);
+                        for (int x = 0; x < rowtarget::width; ++x) {
+                            int i = x - offset;
+                            uint32_t expect = before[x];
+                            if (i >= 0 && i < n)
+                                expect = spritereference::pixel(rule / 3, rule % 3, i < (n & ~3), source[skip + i], colour,
+                                                                before[x]);
+                            ASSERT_EQ(r.pixels[x], expect) << "rule " << rule << " skip " << skip << " offset " << offset
+                                                           << " n " << n << " x " << x;
+                        }
                     }
-                }
+    }
 }
 
 // The cases that show the two group-and-leftover differences.

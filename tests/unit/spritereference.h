@@ -3,6 +3,9 @@
 #pragma once
 #include <algorithm>
 #include <cstdint>
+#include <vector>
+
+#include "sprite/spriterows.h"
 
 namespace spritereference {
 
@@ -103,5 +106,28 @@ inline void scaled(const view& t, const uint32_t* pixels, int width, int height,
         }
     }
 }
+
+}  // namespace spritereference
+
+// The row tables this processor can run: four pixels at a time, and eight where it can.
+namespace spritereference {
+
+inline std::vector<const rowtables*> rowtablesavailable() {
+    std::vector<const rowtables*> list = {&narrowrows};
+    if (widerows()) list.push_back(widerows());
+    return list;
+}
+
+// Draws through the given row tables while in scope.
+class drawingwith {
+public:
+    explicit drawingwith(const rowtables* t) : saved(spriterowtables) { spriterowtables = t; }
+    ~drawingwith() { spriterowtables = saved; }
+    drawingwith(const drawingwith&) = delete;
+    drawingwith& operator=(const drawingwith&) = delete;
+
+private:
+    const rowtables* saved;
+};
 
 }  // namespace spritereference

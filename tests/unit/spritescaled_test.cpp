@@ -21,11 +21,14 @@ struct scene {
     }
 };
 
+// Every rule, both lane widths.
 TEST(scaleddraw, matchesthereferenceforeveryruleunderpadsclipanddepth) {
     std::mt19937 random(11);
     auto between = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(random); };
     std::vector<uint32_t> pixels(32 * 32);
+    auto tables = spritereference::rowtablesavailable();
     for (int round = 0; round < 1500; ++round) {
+        spritereference::drawingwith rows(tables[round / 2 % tables.size()]);
         scene s;
         for (uint32_t& p : s.colour) p = random();
         for (float& d : s.depth) d = float(between(0, 8));
