@@ -2,6 +2,7 @@
 
 #include "sprite/inversewalk.h"
 #include "sprite/rules.h"
+#include "toolkit/spanmask.h"
 #include "util/frame.h"
 
 namespace {
@@ -15,8 +16,7 @@ template <tintmode T, blendmode B>
 struct leftoverop {
     const tintconstants& k;
     [[gnu::always_inline]] void four(uint32_t* dst, __m128i s) {
-        __m128i d = _mm_loadu_si128(reinterpret_cast<const __m128i*>(dst));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst), pixelop<T, B, false>(s, d, k));
+        lanes4::store(dst, pixelop<lanes4, T, B, false>(s, lanes4::load(dst), k));
     }
     [[gnu::always_inline]] void one(uint32_t* dst, uint32_t s) { *dst = leftoverpixel<T, B>(s, *dst, k); }
 };
@@ -89,6 +89,18 @@ JNIEXPORT void JNICALL Java_fa_e(JNIEnv* env, jobject, jlong handle, jfloat x0, 
     runexport(env, [&] {
         drawturned(*currenttoolkit, imageof(*spriteat(handle)), {x0, y0, x1, y1, x2, y2}, tint,
                    static_cast<uint32_t>(colour), blend);
+    });
+}
+
+JNIEXPORT void JNICALL Java_fa_FA(JNIEnv* env, jobject, jlong handle, jfloat x0, jfloat y0, jfloat x1, jfloat y1,
+                                  jfloat x2, jfloat y2, jint, jlong maskhandle, jint maskx, jint masky,
+                                  jboolean opaque) {
+    runexport(env, [&] {
+        const spanmask& mask = *reinterpret_cast<const spanmask*>(static_cast<intptr_t>(maskhandle));
+        // Rows past what the tables hold end the draw, as rows past the mask's height do.
+        maskspans spans{mask.offsets.get(), mask.widths.get(), std::min(mask.height, mask.rows())};
+        drawturnedmasked(*currenttoolkit, imageof(*spriteat(handle)), {x0, y0, x1, y1, x2, y2}, spans, maskx, masky,
+                         opaque);
     });
 }
 
