@@ -218,24 +218,34 @@ shape makeshape(std::mt19937& random, int round, int targetw, int targeth) {
     return s;
 }
 
+// Draws a random shape into a random target by `draw` and into a copy by `reference`, which walks
+// the library's placement pixel by pixel; true when the draw changed the target.
+template <class Draw, class Reference>
+bool matchesreference(std::mt19937& random, int round, Draw draw, Reference reference) {
+    scene s(40, 32);
+    for (uint32_t& p : s.colour) p = random();
+    setcliprect(s.t, random() % 8, random() % 8, 40 - random() % 8, 32 - random() % 8);
+    shape sh = makeshape(random, round, 40, 32);
+    const std::vector<uint32_t> before = s.colour;
+    std::vector<uint32_t> expect = s.colour;
+    parallelogram p;
+    if (placeparallelogram(sh.image, sh.c, s.t.cliprect, s.width, p)) reference(p, sh.image, expect.data());
+    draw(s.t, sh);
+    EXPECT_EQ(s.colour, expect) << "round " << round;
+    return s.colour != before;
+}
+
 TEST(turneddraw, walkmatchesthereferenceforeveryrule) {
     std::mt19937 random(17);
     int drawing = 0;
-    for (int round = 0; round < 900; ++round) {
-        scene s(40, 32);
-        for (uint32_t& p : s.colour) p = random();
-        setcliprect(s.t, random() % 8, random() % 8, 40 - random() % 8, 32 - random() % 8);
-        shape sh = makeshape(random, round, 40, 32);
-        int rule = round % 15;
+    for (int round = 0; round < 900 && !HasFailure(); ++round) {
+        int tint = round % 15 / 3, blend = round % 3;
         uint32_t colour = random();
-        std::vector<uint32_t> before = s.colour;
-        std::vector<uint32_t> expect = s.colour;
-        parallelogram p;
-        if (placeparallelogram(sh.image, sh.c, s.t.cliprect, s.width, p))
-            turnedreference::walk(p, sh.image, expect.data(), s.width, rule / 3, colour, rule % 3);
-        drawturned(s.t, sh.image, sh.c, rule / 3, colour, rule % 3);
-        ASSERT_EQ(s.colour, expect) << "round " << round;
-        drawing += s.colour != before;
+        drawing += matchesreference(
+            random, round, [&](const toolkit& t, const shape& sh) { drawturned(t, sh.image, sh.c, tint, colour, blend); },
+            [&](const parallelogram& p, const spriteimage& image, uint32_t* expect) {
+                turnedreference::walk(p, image, expect, 40, tint, colour, blend);
+            });
     }
     EXPECT_GT(drawing, 450);  // most shapes meet the target; the rest are thin or off it
 }
@@ -244,25 +254,21 @@ TEST(turneddraw, maskedwalkmatchesthereferenceinbothwriteforms) {
     std::mt19937 random(23);
     auto between = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(random); };
     int drawing = 0;
-    for (int round = 0; round < 900; ++round) {
-        scene s(40, 32);
-        for (uint32_t& p : s.colour) p = random();
-        setcliprect(s.t, random() % 8, random() % 8, 40 - random() % 8, 32 - random() % 8);
-        shape sh = makeshape(random, round, 40, 32);
+    for (int round = 0; round < 900 && !HasFailure(); ++round) {
         int rows = between(0, 40);
         std::vector<int> offsets(rows), widths(rows);
         for (int r = 0; r < rows; ++r) offsets[r] = between(-8, 16), widths[r] = between(-2, 40);
         int maskx = between(-8, 12), masky = between(-8, 12);
         bool opaque = round % 2;
-        std::vector<uint32_t> before = s.colour;
-        std::vector<uint32_t> expect = s.colour;
-        parallelogram p;
         turnedreference::mask m{offsets.data(), widths.data(), rows, maskx, masky};
-        if (placeparallelogram(sh.image, sh.c, s.t.cliprect, s.width, p))
-            turnedreference::walk(p, sh.image, expect.data(), s.width, plain, 0, opaque ? replace : blend, &m);
-        drawturnedmasked(s.t, sh.image, sh.c, {offsets.data(), widths.data(), rows}, maskx, masky, opaque);
-        ASSERT_EQ(s.colour, expect) << "round " << round;
-        drawing += s.colour != before;
+        drawing += matchesreference(
+            random, round,
+            [&](const toolkit& t, const shape& sh) {
+                drawturnedmasked(t, sh.image, sh.c, {offsets.data(), widths.data(), rows}, maskx, masky, opaque);
+            },
+            [&](const parallelogram& p, const spriteimage& image, uint32_t* expect) {
+                turnedreference::walk(p, image, expect, 40, plain, 0, opaque ? replace : blend, &m);
+            });
     }
     EXPECT_GT(drawing, 250);  // many shapes meet the mask
 }
