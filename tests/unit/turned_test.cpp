@@ -273,18 +273,6 @@ TEST(turneddraw, maskedwalkmatchesthereferenceinbothwriteforms) {
     EXPECT_GT(drawing, 250);  // many shapes meet the mask
 }
 
-TEST(turneddraw, outofrangeselectionsandthinorclippedshapesdrawnothing) {
-    codedimage src(8, 8);
-    scene s(48, 40);
-    corners c{4, 4, 20, 4, 4, 20};
-    for (auto [tint, blend] : {std::pair{-1, 0}, {5, 0}, {1, -1}, {1, 3}}) drawturned(s.t, src.image(), c, tint, 0, blend);
-    drawturned(s.t, src.image(), {4, 4.2f, 20, 4.2f, 4, 4.9f}, plain, 0, replace);  // under a pixel high
-    drawturned(s.t, src.image(), {50, 4, 66, 4, 50, 20}, plain, 0, replace);       // right of the target
-    setcliprect(s.t, 30, 0, 10, 40);                                                // inverted
-    drawturned(s.t, src.image(), c, plain, 0, replace);
-    EXPECT_EQ(s.colour, std::vector<uint32_t>(48 * 40, 0));
-}
-
 // On a target past 2^24 pixels the float sum of the first index lands a pixel to the right; on the
 // last row that must not carry a write past the buffer.
 TEST(turneddraw, arowstartroundedrightstaysinsidethebuffer) {
