@@ -2,7 +2,7 @@
 // inaccessible pages, from sprites and masks fenced the same way: corners huge, degenerate, thin
 // or ordinary, pads of any size, clip rectangles empty, inverted or off the target. Nothing may be
 // written outside the target, nothing read outside the sprite, and every draw must match the
-// pixel-by-pixel reference. Case n is seeded by n; TURNEDFUZZ_CASE=n reruns that case alone.
+// pixel-by-pixel reference. Case n is seeded by n; WEXEL_FUZZ_CASE=n reruns that case alone, as in the other fuzz tests.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -116,7 +116,7 @@ void run(int n) {
 }
 
 TEST(turnedfuzz, drawsstayinsidetargetandsprite) {
-    if (const char* one = std::getenv("TURNEDFUZZ_CASE")) return run(std::atoi(one));
+    if (const char* one = std::getenv("WEXEL_FUZZ_CASE")) return run(std::atoi(one));
     drawn = 0;
 #ifdef __SANITIZE_ADDRESS__
     constexpr int cases = 1500;
