@@ -2,7 +2,8 @@
 // inaccessible pages, from sprites and masks fenced the same way: corners huge, degenerate, thin
 // or ordinary, pads of any size, clip rectangles empty, inverted or off the target. Nothing may be
 // written outside the target, nothing read outside the sprite, and every draw must match the
-// pixel-by-pixel reference. Case n is seeded by n; WEXEL_FUZZ_CASE=n reruns that case alone, as in the other fuzz tests.
+// pixel-by-pixel reference. Case n is seeded by n; WEXEL_FUZZ_CASE=n reruns that case alone, as
+// in the other fuzz tests.
 #include <gtest/gtest.h>
 
 #include <climits>
