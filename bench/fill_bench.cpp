@@ -6,30 +6,15 @@
 #include <cstring>
 
 #include "ratio.h"
+#include "target.h"
 #include "toolkit/blend.h"
 #include "toolkit/fill.h"
 #include "toolkit/toolkit.h"
 
 namespace {
 
-constexpr int width = 1024, height = 768;
-
-struct target {
-    toolkit t{};
-    target() {
-        t.width = width;
-        t.height = height;
-        t.colourbuffer = static_cast<uint32_t*>(aligned_alloc(64, width * height * 4));
-        t.depthbuffer = static_cast<float*>(aligned_alloc(64, width * height * 4));
-        memset(t.colourbuffer, 0, width * height * 4);
-        memset(t.depthbuffer, 0, width * height * 4);
-        setcliprect(t, 0, 0, width, height);
-    }
-    ~target() {
-        free(t.colourbuffer);
-        free(t.depthbuffer);
-    }
-};
+constexpr int width = benchtarget::width, height = benchtarget::height;
+using target = benchtarget;
 
 void pixels(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * width * height);

@@ -6,7 +6,7 @@
 
 #include "util/memory/allocatedmemory.h"
 
-class memorypool;
+struct memorypool;
 
 struct shadowmask {
     memorypool* pool;

@@ -93,6 +93,63 @@ class FrameTest {
         assertEquals(0, child.exit);
     }
 
+    // A toolkit whose pool-flush callback takes the JVM's own null-pointer faults, in code hot
+    // enough to be compiled, and calls back into the library, once with a fault of its own.
+    static final class busyhost extends ja {
+        static Object[] things = {new Object(), null};
+        int calls, nulls, nestedfaults;
+
+        static int touch(Object o) {
+            return o.hashCode();
+        }
+
+        @Override
+        public void h() {
+            ++calls;
+            for (int i = 0; i < 100_000; ++i) {
+                try {
+                    touch(things[(i & 63) == 0 ? 1 : 0]);
+                } catch (NullPointerException e) {
+                    ++nulls;
+                }
+            }
+            int[] viewport = new int[4];
+            xa(viewport);
+            try {
+                xa(null);
+            } catch (RuntimeException e) {
+                if (FAULT.equals(e.getMessage())) ++nestedfaults;
+            }
+        }
+    }
+
+    @Test
+    void thejvmsownfaultsduringacallbackstaythejvms() {
+        busyhost host = new busyhost();
+        host.q(null, 0, 0);
+        ba pool = new ba();
+        pool.sa(0, 4096);
+        wa[] masks = new wa[40];
+        int[] rows = new int[1000];
+        try {
+            for (int i = 0; i < masks.length && host.calls < 3; ++i) {
+                masks[i] = new wa();
+                masks[i].l(null, pool, 8, rows.length, rows, rows);
+            }
+            assertTrue(host.calls > 0, "the pool never asked the host to release memory");
+            assertEquals(host.calls * (100_000 / 64 + 1), host.nulls);
+            assertEquals(host.calls, host.nestedfaults);
+            // The library still works after the nested fault unwound inside the outer call.
+            int[] viewport = new int[4];
+            host.xa(viewport);
+        } finally {
+            for (wa m : masks)
+                if (m != null) m.ma(0);
+            pool.ma(0);
+            host.ma(0);
+        }
+    }
+
     static void check(boolean ok, String what) {
         if (!ok) {
             System.err.println(what);

@@ -85,53 +85,43 @@ protected:
              ",", t.cliprect[3], ": ");
         const uint32_t colour = randompixel(rng);
         const int mode = anymode(rng);
+        // A corner or end (x, y), and a size or the other end (u, v).
+        const int x = anyint(rng, w), y = anyint(rng, h), u = anyint(rng, w), v = anyint(rng, h);
+        note(what, x, ",", y, " ", u, ",", v, " mode ", mode, ": ");
         try {
             switch (index % 8) {
-                case 0: {
-                    int x = anyint(rng, w), y = anyint(rng, h), rw = anyint(rng, w), rh = anyint(rng, h);
-                    note(what, "rectangle ", x, ",", y, " ", rw, "x", rh, " mode ", mode);
-                    drawrectangle(t, x, y, rw, rh, colour, mode);
+                case 0:
+                    note(what, "rectangle");
+                    drawrectangle(t, x, y, u, v, colour, mode);
                     break;
-                }
-                case 1: {
-                    int x = anyint(rng, w), y = anyint(rng, h), n = anyint(rng, w);
-                    note(what, "row ", x, ",", y, " length ", n, " mode ", mode);
-                    drawrow(t, x, static_cast<long long>(x) + n - 1, y, colour, mode);
+                case 1:
+                    note(what, "row");
+                    drawrow(t, x, static_cast<long long>(x) + u - 1, y, colour, mode);
                     break;
-                }
-                case 2: {
-                    int x = anyint(rng, w), y = anyint(rng, h), n = anyint(rng, h);
-                    note(what, "column ", x, ",", y, " length ", n, " mode ", mode);
-                    drawcolumn(t, x, y, static_cast<long long>(y) + n - 1, colour, mode);
+                case 2:
+                    note(what, "column");
+                    drawcolumn(t, x, y, static_cast<long long>(y) + v - 1, colour, mode);
                     break;
-                }
-                case 3: {
-                    int x1 = anyint(rng, w), y1 = anyint(rng, h), x2 = anyint(rng, w), y2 = anyint(rng, h);
-                    note(what, "line ", x1, ",", y1, " ", x2, ",", y2, " mode ", mode);
-                    drawline(t, x1, y1, x2, y2, colour, mode);
+                case 3:
+                    note(what, "line");
+                    drawline(t, x, y, u, v, colour, mode);
                     break;
-                }
                 case 4: {
                     randommask(m, rng, w);
-                    int x1 = anyint(rng, w), y1 = anyint(rng, h), x2 = anyint(rng, w), y2 = anyint(rng, h);
-                    int mx = anyint(rng, w), my = anyint(rng, h);
-                    note(what, "masked line ", x1, ",", y1, " ", x2, ",", y2, " mask at ", mx, ",", my, " mode ", mode);
-                    drawmaskedline(t, x1, y1, x2, y2, colour, mode, m.mask, mx, my);
+                    const int mx = anyint(rng, w), my = anyint(rng, h);
+                    note(what, "masked line, mask at ", mx, ",", my);
+                    drawmaskedline(t, x, y, u, v, colour, mode, m.mask, mx, my);
                     break;
                 }
-                case 5: {
+                case 5:
                     randommask(m, rng, w);
-                    int x = anyint(rng, w), y = anyint(rng, h);
-                    note(what, "mask fill at ", x, ",", y);
+                    note(what, "mask fill");
                     fillmask(t, colour, m.mask, x, y);
                     break;
-                }
                 default: {
                     if (index % 8 == 7) t.depthbuffer = g.depth.get();
-                    int x = anyint(rng, w), y = anyint(rng, h);
-                    int radius = rng() % 4 ? static_cast<int>(rng() % (2 * std::max(w, h))) - 3 : anyint(rng, w);
-                    note(what, "disc ", x, ",", y, " radius ", radius, " depth ", (t.depthbuffer != nullptr), " mode ",
-                         mode);
+                    const int radius = rng() % 4 ? static_cast<int>(rng() % (2 * std::max(w, h))) - 3 : u;
+                    note(what, "disc of radius ", radius, t.depthbuffer ? " with depth" : "");
                     drawdisc(t, x, y, radius, static_cast<float>(rng() % 3), colour, mode);
                     break;
                 }

@@ -41,20 +41,6 @@ TEST(scroll, movesbothbuffersasonerunwithrowswrapping) {
     EXPECT_TRUE(g.depth.intact());
 }
 
-TEST(scroll, movesonlythebuffersthatexist) {
-    testtarget g(4, 4);
-    for (int i = 0; i < 16; ++i) g.colour[i] = i;
-    scrolltarget(g.t, 1, 0);
-    EXPECT_EQ(g.colour[1], 0u);
-    EXPECT_EQ(g.colour[15], 14u);
-    g.t.colourbuffer = nullptr;
-    g.t.depthbuffer = g.depth.get();
-    g.depth[0] = 1.0f;
-    g.depth[1] = 2.0f;
-    scrolltarget(g.t, -1, 0);
-    EXPECT_EQ(g.depth[0], 2.0f);
-}
-
 // A move as long as the run, or one whose 32-bit product would wrap to a small move, leaves both
 // buffers as they are.
 TEST(scroll, wholerunmovesleavethebuffers) {

@@ -74,38 +74,6 @@ TEST(offscreen, refusesasurfacesmallerthanthespritebeforechanginganything) {
     EXPECT_EQ(g.t.width, 10);
 }
 
-// Each pixel and depth carries its own position, so a copy to the wrong place shows.
-TEST(copy, blocksgoandcomebackbetweenthetargetandthespriteandsurface) {
-    testtarget g(12, 9, true);
-    offscreen o(7, 6, 7, 6);
-    for (int i = 0; i < g.pixels(); ++i) {
-        g.colour[i] = 0x1000 + i;
-        g.depth[i] = static_cast<float>(i);
-    }
-    for (int i = 0; i < 42; ++i) {
-        o.pixels[i] = 0;
-        o.depth->buffer[i] = -1.0f;
-    }
-    copytargetblock(g.t, &o.image, o.depth, 3, 2, 4, 5, 2, 1, true, true, copyway::fromtarget);
-    for (int y = 0; y < 6; ++y)
-        for (int x = 0; x < 7; ++x) {
-            bool inside = x >= 2 && x < 6 && y >= 1 && y < 6;
-            int from = (y - 1 + 2) * 12 + (x - 2 + 3);
-            ASSERT_EQ(o.pixels[y * 7 + x], inside ? 0x1000u + from : 0u) << x << "," << y;
-            ASSERT_EQ(o.depth->buffer[y * 7 + x], inside ? static_cast<float>(from) : -1.0f) << x << "," << y;
-        }
-    // Back to another place of the target, colour only.
-    copytargetblock(g.t, &o.image, o.depth, 0, 0, 4, 5, 2, 1, true, false, copyway::totarget);
-    for (int y = 0; y < 9; ++y)
-        for (int x = 0; x < 12; ++x) {
-            bool inside = x < 4 && y < 5;
-            int from = inside ? (y + 2) * 12 + (x + 3) : y * 12 + x;
-            ASSERT_EQ(g.at(x, y), 0x1000u + from) << x << "," << y;
-            ASSERT_EQ(g.depth[y * 12 + x], static_cast<float>(y * 12 + x));
-        }
-    EXPECT_TRUE(g.colour.intact() && g.depth.intact() && o.pixels.intact());
-}
-
 TEST(copy, flagsdropwhenthetargetlacksthebuffer) {
     testtarget g(4, 4);
     offscreen o(4, 4, 4, 4);

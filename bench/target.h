@@ -1,0 +1,26 @@
+// A 1024x768 target with a colour and a depth buffer, both cleared, for the benchmarks.
+#pragma once
+#include <cstdlib>
+#include <cstring>
+
+#include "toolkit/toolkit.h"
+
+struct benchtarget {
+    static constexpr int width = 1024, height = 768;
+    toolkit t{};
+    benchtarget() {
+        t.width = width;
+        t.height = height;
+        t.colourbuffer = static_cast<uint32_t*>(aligned_alloc(64, width * height * 4));
+        t.depthbuffer = static_cast<float*>(aligned_alloc(64, width * height * 4));
+        memset(t.colourbuffer, 0, width * height * 4);
+        memset(t.depthbuffer, 0, width * height * 4);
+        setcliprect(t, 0, 0, width, height);
+    }
+    ~benchtarget() {
+        free(t.colourbuffer);
+        free(t.depthbuffer);
+    }
+    benchtarget(const benchtarget&) = delete;
+    benchtarget& operator=(const benchtarget&) = delete;
+};
