@@ -54,7 +54,7 @@ void drawscaled(const toolkit& t, const spriteimage& image, int x, int y, int w,
     int rule = ruleindex(tint, blend);
     placement p;
     if (!t.colourbuffer || rule < 0 || !p.place(t, image, x, y, w, h)) return;
-    spriterowtables->scaled[rule](p, tintconstants(colour));
+    rowsfor(t, image).scaled[rule](p, tintconstants(colour));
 }
 
 void drawscaledatdepth(const toolkit& t, const spriteimage& image, int x, int y, float z, int w, int h, int tint,
@@ -64,7 +64,7 @@ void drawscaledatdepth(const toolkit& t, const spriteimage& image, int x, int y,
     placement p;
     if (!t.colourbuffer || rule < 0 || !p.place(t, image, x, y, w, h)) return;
     p.z = z;
-    spriterowtables->scaledwithdepth[rule](p, tintconstants(colour));
+    rowsfor(t, image).scaledwithdepth[rule](p, tintconstants(colour));
 }
 
 extern "C" {

@@ -21,21 +21,30 @@ struct repeatrange {
     }
 };
 
-}  // namespace
-
-namespace {
+// The image at (x, y) cut to the rectangle [left, right) by [top, bottom): the first buffer
+// position, the first source position, and the size. In 64 bits, so that a position far off the
+// target cannot wrap back onto it.
+struct ownsizeclip {
+    int64 sx, sy, n, rows;
+    const uint32_t* source;  // null when nothing is drawn
+    ownsizeclip(const spriteimage& image, int64 x, int64 y, int64 left, int64 top, int64 right, int64 bottom) {
+        int64 X = x + image.padleft, Y = y + image.padtop;
+        sx = std::max(X, left);
+        sy = std::max(Y, top);
+        n = std::min(image.width - (sx - X), right - sx);
+        rows = std::min(image.height - (sy - Y), bottom - sy);
+        source = empty() ? nullptr : image.pixels + (sy - Y) * image.pitch + (sx - X);
+    }
+    bool empty() const { return n < 1 || rows < 1; }
+};
 
 // One repeat of a valid selection, its corner at (x, y).
-// In 64 bits, so that a position far off the target cannot wrap back onto it.
 void drawat(const toolkit& t, const spriteimage& image, int64 x, int64 y, int rule, const tintconstants& k) {
     const int* clip = t.cliprect;
-    int64 X = x + image.padleft, Y = y + image.padtop;
-    int64 sx = std::max<int64>(X, clip[0]), sy = std::max<int64>(Y, clip[1]);
-    int64 n = std::min<int64>(image.width - (sx - X), clip[2] - sx);
-    int64 rows = std::min<int64>(image.height - (sy - Y), clip[3] - sy);
-    if (n < 1 || rows < 1) return;
-    spriterowtables->ownsize[rule](t.colourbuffer + sy * t.width + sx, t.width, image.pixels + (sy - Y) * image.pitch + (sx - X),
-                         image.pitch, static_cast<int>(n), static_cast<int>(rows), k);
+    ownsizeclip c(image, x, y, clip[0], clip[1], clip[2], clip[3]);
+    if (c.empty()) return;
+    rowsfor(t, image).ownsize[rule](t.colourbuffer + c.sy * t.width + c.sx, t.width, c.source, image.pitch,
+                                   static_cast<int>(c.n), static_cast<int>(c.rows), k);
 }
 
 }  // namespace
@@ -70,30 +79,25 @@ void drawthroughmask(const toolkit& t, const spriteimage& image, int x, int y, c
     if (!t.colourbuffer) return;
     // The clip rectangle narrowed to the mask's rectangle, then the single draw's clipping.
     const int* clip = t.cliprect;
-    int64 left = std::max<int64>(clip[0], maskx), top = std::max<int64>(clip[1], masky);
-    int64 right = std::min<int64>(clip[2], int64{maskx} + mask.width);
-    int64 bottom = std::min<int64>(clip[3], int64{masky} + mask.height);
-    int64 X = int64{x} + image.padleft, Y = int64{y} + image.padtop;
-    int64 sx = std::max(X, left), sy = std::max(Y, top);
-    int64 n = std::min<int64>(image.width - (sx - X), right - sx);
-    int64 rows = std::min<int64>(image.height - (sy - Y), bottom - sy);
-    if (n < 1 || rows < 1) return;
-    int64 mx = std::max<int64>(0, sx - maskx), my = std::max<int64>(0, sy - masky);
-    rows = std::min(rows, mask.rows() - my);
+    ownsizeclip c(image, x, y, std::max(clip[0], maskx), std::max(clip[1], masky),
+                  std::min<int64>(clip[2], int64{maskx} + mask.width), std::min<int64>(clip[3], int64{masky} + mask.height));
+    if (c.empty()) return;
+    int64 mx = std::max<int64>(0, c.sx - maskx), my = std::max<int64>(0, c.sy - masky);
+    int64 rows = std::min(c.rows, mask.rows() - my);
     const int* offsets = mask.offsets.get();
     const int* widths = mask.widths.get();
-    ownsizedraw blendrow = spriterowtables->ownsize[ruleindex(int(tintmode::plain), blend)];
+    ownsizedraw blendrow = rowsfor(t, image).ownsize[ruleindex(int(tintmode::plain), blend)];
     const tintconstants k(0);
-    uint32_t* dst = t.colourbuffer + sy * t.width + sx;
-    const uint32_t* src = image.pixels + (sy - Y) * image.pitch + (sx - X);
+    uint32_t* dst = t.colourbuffer + c.sy * t.width + c.sx;
+    const uint32_t* src = c.source;
     for (int64 j = 0; j < rows; ++j, dst += t.width, src += image.pitch) {
         // A span that starts right of the run skips pixels of both; one that starts left of it
         // loses that much of its width.
         int64 e = offsets[my + j] - mx;
-        int64 c = std::min(n - std::max<int64>(e, 0), widths[my + j] - std::max<int64>(-e, 0));
-        if (c < 1) continue;
+        int64 count = std::min(c.n - std::max<int64>(e, 0), widths[my + j] - std::max<int64>(-e, 0));
+        if (count < 1) continue;
         int64 skip = std::max<int64>(e, 0);
-        blendrow(dst + skip, 0, src + skip, 0, static_cast<int>(c), 1, k);
+        blendrow(dst + skip, 0, src + skip, 0, static_cast<int>(count), 1, k);
     }
 }
 
@@ -101,7 +105,9 @@ extern "C" {
 
 JNIEXPORT void JNICALL Java_fa_Y(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint tint, jint colour,
                                  jint blend) {
-    runexport(env, [&] { drawsprite(*currenttoolkit, imageof(*spriteat(handle)), x, y, tint, static_cast<uint32_t>(colour), blend); });
+    runexport(env, [&] {
+        drawsprite(*currenttoolkit, imageof(*spriteat(handle)), x, y, tint, static_cast<uint32_t>(colour), blend);
+    });
 }
 
 JNIEXPORT void JNICALL Java_fa_aa(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint w, jint h, jint tint,

@@ -13,9 +13,8 @@ namespace {
 // Blocks are 16-byte aligned for four-pixel loads. The size is rounded up to the alignment, and
 // an empty block still gets a unique address.
 uint32_t* allocatepixels(int width, int height) {
-    long long bytes = static_cast<long long>(width) * height * 4;
-    if (bytes < 0) return nullptr;
-    size_t rounded = (static_cast<size_t>(bytes) + 15) & ~size_t{15};
+    if (width < 0 || height < 0) return nullptr;
+    size_t rounded = (static_cast<size_t>(width) * static_cast<size_t>(height) * 4 + 15) & ~size_t{15};
     return static_cast<uint32_t*>(aligned_alloc(16, rounded ? rounded : 16));
 }
 

@@ -4,9 +4,10 @@
 #pragma once
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "sprite/rules.h"
+#include "sprite/sprite.h"
+#include "toolkit/toolkit.h"
 
 // A scaled draw after clipping: where it writes and how it samples.
 struct scaledrows {
@@ -42,6 +43,12 @@ extern const rowtables* spriterowtables;
 extern const rowtables narrowrows;
 const rowtables* widerows();  // null where the processor lacks the wider registers
 
+// The tables for drawing this image into this target. A wide pass reads the source of its second
+// group of four before it writes its first, so an image that lies in the target itself (a sprite
+// drawn into itself as the off-screen target) is drawn four pixels at a time, as the rows are
+// defined.
+const rowtables& rowsfor(const toolkit& t, const spriteimage& image);
+
 template <class V>
 struct spriterows {
     // n pixels from the left end: groups while they fit, then leftovers.
@@ -62,18 +69,14 @@ struct spriterows {
         static void draw(uint32_t* dst, long dstpitch, const uint32_t* src, long srcpitch, int n, int rows,
                          const tintconstants& colour) {
             const tintconstants k = colour;  // a local copy, which the stores cannot alias
-            for (int j = 0; j < rows; ++j, dst += dstpitch, src += srcpitch) {
-                if constexpr (T == tintmode::plain && B == replace)
-                    memcpy(dst, src, static_cast<size_t>(n) * 4);
-                else
-                    pixelrow<T, B>(dst, src, n, k);
-            }
+            for (int j = 0; j < rows; ++j, dst += dstpitch, src += srcpitch) pixelrow<T, B>(dst, src, n, k);
         }
     };
 
-    // Every row samples the same columns, so they are worked out once per draw, a stretch of
-    // columns at a time: groups by their four lanes advanced by float addition, leftovers each
-    // from its own product.
+    // Every row samples the same columns, so a row of up to `stretch` pixels works them out once
+    // per draw; a longer row does so a stretch at a time, row by row, so that the pixels are still
+    // written in row order. Groups take their four lanes advanced by float addition, leftovers
+    // each its own product.
     static constexpr int stretch = 512;
 
     template <bool depthtest>
@@ -82,49 +85,63 @@ struct spriterows {
         struct member {
             static void draw(const scaledrows& p, const tintconstants& colour) {
                 const tintconstants k = colour;
-                int groupend = p.n & ~3;
-                const __m128 limit = _mm_set1_ps(p.lastcolumn);
-                const __m128 step = _mm_set1_ps(4.0f * p.ustep);
-                __m128 lanes = _mm_mul_ps(_mm_setr_ps(0.0f, 1.0f, 2.0f, 3.0f), _mm_set1_ps(p.ustep));
+                const int groupend = p.n & ~3;
+                const __m128 first = _mm_mul_ps(_mm_setr_ps(0.0f, 1.0f, 2.0f, 3.0f), _mm_set1_ps(p.ustep));
                 alignas(16) int column[stretch];
-                for (int from = 0; from < p.n; from += stretch) {
-                    int count = std::min(stretch, p.n - from), groups = std::clamp(groupend - from, 0, count);
-                    int i = 0;
-                    for (; i < groups; i += 4, lanes = _mm_add_ps(lanes, step))
-                        _mm_store_si128(reinterpret_cast<__m128i*>(column + i),
-                                        _mm_cvttps_epi32(_mm_min_ps(lanes, limit)));
-                    for (; i < count; ++i) {
-                        // The plain members with depth divide by the scale where the others
-                        // multiply by its reciprocal; the two differ at some integer boundaries.
-                        float at = static_cast<float>(from + i);
-                        float u = depthtest && T == tintmode::plain ? at / p.fx : at * p.ustep;
-                        column[i] = sampleindex(u, p.lastcolumn);
-                    }
-                    uint32_t* dst = p.target + from;
-                    const float* depth = depthtest ? p.depth + from : nullptr;
-                    float v = 0.0f;
-                    for (int j = 0; j < p.rows; ++j, dst += p.pitch, depth += depthtest ? p.pitch : 0, v += p.vstep) {
-                        int row = p.vstart + sampleindex(v, static_cast<float>(p.lastrow - p.vstart));
-                        const uint32_t* src = p.source + row * p.sourcepitch;
+                __m128 lanes = first;
+                bool once = p.n <= stretch;
+                if (once) columns<T>(column, 0, std::min(stretch, p.n), groupend, lanes, p);
+                uint32_t* dst = p.target;
+                const float* depth = p.depth;
+                float v = 0.0f;
+                for (int j = 0; j < p.rows; ++j, dst += p.pitch, depth += depthtest ? p.pitch : 0, v += p.vstep) {
+                    int row = p.vstart + sampleindex(v, static_cast<float>(p.lastrow - p.vstart));
+                    const uint32_t* src = p.source + row * p.sourcepitch;
+                    lanes = first;
+                    for (int from = 0; from < p.n; from += stretch) {
+                        int count = std::min(stretch, p.n - from), groups = std::clamp(groupend - from, 0, count);
+                        if (!once) columns<T>(column, from, count, groupend, lanes, p);
                         int i = 0;
                         if constexpr (V::pixels > 4)
-                            for (; i + V::pixels <= groups; i += V::pixels) group<V, T, B>(dst, depth, src, column, i, p.z, k);
-                        for (; i < groups; i += 4) group<lanes4, T, B>(dst, depth, src, column, i, p.z, k);
+                            for (; i + V::pixels <= groups; i += V::pixels)
+                                group<V, T, B>(dst + from, depth, from, src, column, i, p.z, k);
+                        for (; i < groups; i += 4) group<lanes4, T, B>(dst + from, depth, from, src, column, i, p.z, k);
                         for (; i < count; ++i)
-                            if (!depthtest || p.z <= depth[i]) dst[i] = leftoverpixel<T, B>(src[column[i]], dst[i], k);
+                            if (!depthtest || p.z <= depth[from + i])
+                                dst[from + i] = leftoverpixel<T, B>(src[column[i]], dst[from + i], k);
                     }
                 }
             }
         };
 
+        // The columns of pixels from .. from + count of a row.
+        template <tintmode T>
+        [[gnu::always_inline]] static inline void columns(int* column, int from, int count, int groupend,
+                                                         __m128& lanes, const scaledrows& p) {
+            const __m128 limit = _mm_set1_ps(p.lastcolumn);
+            const __m128 step = _mm_set1_ps(4.0f * p.ustep);
+            int groups = std::clamp(groupend - from, 0, count), i = 0;
+            for (; i < groups; i += 4, lanes = _mm_add_ps(lanes, step))
+                _mm_store_si128(reinterpret_cast<__m128i*>(column + i), _mm_cvttps_epi32(_mm_min_ps(lanes, limit)));
+            for (; i < count; ++i) {
+                // The plain members with depth divide by the scale where the others multiply by
+                // its reciprocal; the two differ at some integer boundaries.
+                float at = static_cast<float>(from + i);
+                float u = depthtest && T == tintmode::plain ? at / p.fx : at * p.ustep;
+                column[i] = sampleindex(u, p.lastcolumn);
+            }
+        }
+
+        // Pixels from + i onward of a row; `column` starts at pixel `from`.
         template <class W, tintmode T, blendmode B>
-        [[gnu::always_inline]] static inline void group(uint32_t* dst, const float* depth, const uint32_t* src,
-                                                       const int* column, int i, float z, const tintconstants& k) {
+        [[gnu::always_inline]] static inline void group(uint32_t* dst, const float* depth, int from,
+                                                       const uint32_t* src, const int* column, int i, float z,
+                                                       const tintconstants& k) {
             auto d = W::load(dst + i);
             if constexpr (depthtest) {
                 // Groups with no passing pixel read nothing of the source; the others keep the
                 // buffer where they fail.
-                auto pass = W::depthpass(depth + i, z);
+                auto pass = W::depthpass(depth + from + i, z);
                 if (!W::any(pass)) return;
                 W::store(dst + i, W::select(pass, pixelop<W, T, B, true>(W::gather(src, column + i), d, k), d));
             } else {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "sprite/drawscaled.h"
+#include "sprite/drawsprite.h"
 #include "spritereference.h"
 
 namespace {
@@ -57,38 +58,6 @@ TEST(scaleddraw, matchesthereferenceforeveryruleunderpadsclipanddepth) {
     }
 }
 
-// Depth equal to z passes; a group whose lanes all fail keeps the buffer.
-TEST(scaleddraw, depthpassesatequalandfailinglanesstay) {
-    scene s;
-    s.t.depthbuffer = s.depth.data();
-    setcliprect(s.t, 0, 0, scene::width, scene::height);
-    std::fill(s.colour.begin(), s.colour.end(), 0x11111111u);
-    std::fill(s.depth.begin(), s.depth.end(), 5.0f);
-    for (int i = 4; i < 8; ++i) s.depth[i] = 4.0f;
-    uint32_t pixels[16];
-    std::fill(pixels, pixels + 16, 0xFFABCDEFu);
-    drawscaledatdepth(s.t, {pixels, 4, 4, 4, 0, 0, 0, 0}, 0, 0, 5.0f, 12, 1, 1, 0, 0);
-    EXPECT_EQ(s.colour[0], 0xFFABCDEFu);
-    EXPECT_EQ(s.colour[4], 0x11111111u);
-    EXPECT_EQ(s.colour[8], 0xFFABCDEFu);
-    EXPECT_EQ(s.colour[12], 0x11111111u);
-}
-
-// No width draws nothing; a sprite without pixels has nothing to sample.
-TEST(scaleddraw, nothingtodrawleavesthebuffer) {
-    scene s;
-    setcliprect(s.t, 0, 0, scene::width, scene::height);
-    std::vector<uint32_t> before = s.colour;
-    uint32_t pixels[4] = {1, 2, 3, 4};
-    drawscaled(s.t, {pixels, 2, 2, 2, 3, 0, 3, 0}, 0, 0, 0, 10, 1, 0, 0);
-    drawscaled(s.t, {pixels, 0, 2, 0, 0, 0, 0, 0}, 0, 0, 6, 10, 1, 0, 0);
-    drawscaled(s.t, {pixels, 2, 2, 2, 0, 0, 0, 0}, 0, 0, 6, 10, 5, 0, 0);
-    EXPECT_EQ(s.colour, before);
-}
-
-}  // namespace
-
-namespace {
 
 // Scaling 2 pixels to 82: pixel 41 is 41 / 41 = 1 by division but truncates to 0 through the
 // rounded reciprocal. Only the plain tint with depth divides, and only leftovers show it.
@@ -102,6 +71,54 @@ TEST(scaleddraw, plainwithdepthdividesinleftovers) {
     s.t.depthbuffer = nullptr;
     drawscaledatdepth(s.t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 0, 0.0f, 82, 1, 1, 0, 0);
     EXPECT_EQ(s.colour[41], 0xFF000000u);
+}
+
+// Rows longer than the column table's stretch, with and without depth.
+TEST(scaleddraw, longrowsmatchthereference) {
+    constexpr int width = 1100;
+    std::mt19937 random(13);
+    std::vector<uint32_t> pixels(7 * 3), colour(width * 3);
+    std::vector<float> depth(width * 3);
+    for (uint32_t& p : pixels) p = random();
+    for (float& d : depth) d = float(random() % 3);
+    const int pads[4] = {0, 0, 0, 0};
+    for (const rowtables* table : spritereference::rowtablesavailable())
+        for (bool withdepth : {false, true}) {
+            spritereference::drawingwith rows(table);
+            for (uint32_t& p : colour) p = random();
+            std::vector<uint32_t> expect = colour;
+            toolkit t{};
+            t.width = width;
+            t.height = 3;
+            t.colourbuffer = colour.data();
+            t.depthbuffer = withdepth ? depth.data() : nullptr;
+            setcliprect(t, 3, 0, width, 3);
+            spritereference::view v{expect.data(), t.depthbuffer, width, {3, 0, width, 3}};
+            spritereference::scaled(v, pixels.data(), 7, 3, 7, pads, -5, 0, width + 2, 3, 1, 0, 1, 1.0f);
+            drawscaledatdepth(t, {pixels.data(), 7, 3, 7, 0, 0, 0, 0}, -5, 0, 1.0f, width + 2, 3, 1, 0, 1);
+            ASSERT_EQ(colour, expect) << "depth " << withdepth;
+        }
+}
+
+// A sprite that is also the target, drawn into itself over its own pixels: the wide rows must
+// not read ahead of what the four-pixel rows have written.
+TEST(scaleddraw, animagedrawnintoitselfgivesthesamebitsateverywidth) {
+    std::vector<std::vector<uint32_t>> results;
+    for (const rowtables* table : spritereference::rowtablesavailable()) {
+        spritereference::drawingwith rows(table);
+        std::vector<uint32_t> pixels(40 * 4);
+        for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = uint32_t(i * 0x01030507u);
+        toolkit t{};
+        t.width = 40;
+        t.height = 4;
+        t.colourbuffer = pixels.data();
+        setcliprect(t, 0, 0, 40, 4);
+        spriteimage image{pixels.data(), 40, 4, 40, 0, 0, 0, 0};
+        drawsprite(t, image, 4, 0, 1, 0, 0);
+        drawscaled(t, image, 0, 1, 60, 3, 1, 0, 1);
+        results.push_back(pixels);
+    }
+    EXPECT_EQ(results.front(), results.back());
 }
 
 }  // namespace
