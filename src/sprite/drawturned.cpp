@@ -14,7 +14,7 @@ using inversewalk::maskrow;
 // when the run has them.
 template <tintmode T, blendmode B>
 struct leftoverop {
-    const tintconstants& k;
+    const tintconstants k;  // a copy, which the stores cannot alias
     [[gnu::always_inline]] void four(uint32_t* dst, __m128i s) {
         lanes4::store(dst, pixelop<lanes4, T, B, false>(s, lanes4::load(dst), k));
     }

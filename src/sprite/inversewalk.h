@@ -54,9 +54,12 @@ struct source {
     const uint32_t* pixels;
     long pitch;
     int64 usize, vsize;  // width and height in 20.12, kept within the reach of a 32-bit position
+    bool intarget;       // the image lies in the target itself
 };
 
 // Draws count pixels from dst on, four at a time through op.four and the rest through op.one.
+// Four at a time reads four samples before it writes, so an image that lies in the target (a
+// sprite drawn into itself) goes one pixel at a time, each written before the next is read.
 // The positions stay inside the image for every pixel drawn, so 32 bits hold them.
 template <int SU, int SV, class Op>
 [[gnu::always_inline]] inline void span(uint32_t* dst, int count, int u, int v, int du, int dv, const source& src,
@@ -67,8 +70,9 @@ template <int SU, int SV, class Op>
         if constexpr (SV != 0) v += dv;
         return s;
     };
+    const int groups = src.intarget ? 0 : count & ~3;
     int i = 0;
-    for (; i + 4 <= count; i += 4) {
+    for (; i < groups; i += 4) {
         int s0 = int(next()), s1 = int(next()), s2 = int(next()), s3 = int(next());
         op.four(dst + i, _mm_setr_epi32(s0, s1, s2, s3));
     }
@@ -128,9 +132,12 @@ void walkparallelogram(const parallelogram& p, const spriteimage& image, uint32_
                        int bufferheight, const Mask& mask, Op& op) {
     using namespace inversewalk;
     constexpr int64 reach = int64{1} << 31;
-    const source src{image.pixels, image.pitch, std::min(int64{image.width} << 12, reach),
-                     std::min(int64{image.height} << 12, reach)};
     const target t{buffer, bufferwidth, int64{bufferwidth} * bufferheight};
+    auto address = [](const uint32_t* p) { return reinterpret_cast<uintptr_t>(p); };
+    const bool intarget = address(image.pixels) < address(buffer + t.size) &&
+                          address(buffer) < address(image.pixels + int64{image.height} * image.pitch);
+    const source src{image.pixels, image.pitch, std::min(int64{image.width} << 12, reach),
+                     std::min(int64{image.height} << 12, reach), intarget};
     switch (sign(p.du)) {
         case 1: walkacross<1>(p, src, t, mask, op); break;
         case 0: walkacross<0>(p, src, t, mask, op); break;

@@ -273,6 +273,35 @@ TEST(turneddraw, maskedwalkmatchesthereferenceinbothwriteforms) {
     EXPECT_GT(drawing, 250);  // many shapes meet the mask
 }
 
+// A sprite that is its own target: each pixel is written before the next one is read, as one
+// pixel at a time defines it.
+TEST(turneddraw, animagedrawnintoitselfgoespixelbypixel) {
+    std::mt19937 random(29);
+    auto real = [&](double lo, double hi) { return std::uniform_real_distribution<double>(lo, hi)(random); };
+    constexpr int w = 24, h = 20;
+    for (int round = 0; round < 200; ++round) {
+        std::vector<uint32_t> drawn(w * h), expect;
+        for (uint32_t& p : drawn) p = random();
+        expect = drawn;
+        toolkit t{};
+        t.width = w;
+        t.height = h;
+        t.colourbuffer = drawn.data();
+        setcliprect(t, 0, 0, w, h);
+        double angle = real(0, 2 * M_PI), scale = real(0.5, 1.5), x0 = real(0, w), y0 = real(0, h);
+        double ex = std::cos(angle) * scale * w, ey = std::sin(angle) * scale * w;
+        double gx = -std::sin(angle) * scale * h, gy = std::cos(angle) * scale * h;
+        corners c{float(x0), float(y0), float(x0 + ex), float(y0 + ey), float(x0 + gx), float(y0 + gy)};
+        int tint = round % 5, blend = round % 3;
+        drawturned(t, {drawn.data(), w, h, w, 0, 0, 0, 0}, c, tint, 0x80402010u, blend);
+        parallelogram p;
+        spriteimage itself{expect.data(), w, h, w, 0, 0, 0, 0};
+        if (placeparallelogram(itself, c, t.cliprect, w, p))
+            turnedreference::walk(p, itself, expect.data(), w, tint, 0x80402010u, blend);
+        ASSERT_EQ(drawn, expect) << "round " << round;
+    }
+}
+
 // On a target past 2^24 pixels the float sum of the first index lands a pixel to the right; on the
 // last row that must not carry a write past the buffer.
 TEST(turneddraw, arowstartroundedrightstaysinsidethebuffer) {
