@@ -35,4 +35,10 @@ public class fa {
     public native void ha(long sprite, int x, int y, int w, int h, int tint, int colour, int blend);
     public native void G(long sprite, int x, int y, int z, int w, int h, int tint, int colour, int blend);
     public native void o(long sprite, int x, int y, long mask, int maskx, int masky);
+
+    // Drawing onto a parallelogram: where the top-left, top-right and bottom-left corners go
+    public native void e(long sprite, float x0, float y0, float x1, float y1, float x2, float y2, int tint, int colour,
+            int blend);
+    public native void FA(long sprite, float x0, float y0, float x1, float y1, float x2, float y2, int unused, long mask,
+            int maskx, int masky, boolean opaque);
 }
