@@ -5,4 +5,9 @@ public class ba {
     }
 
     public long nativeid;
+
+    public native void sa(int unused, int capacity);
+    public native void ma(int unused);
+    public native void ha();
+    public native void u();
 }

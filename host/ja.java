@@ -14,6 +14,7 @@ public class ja {
     public native void da();
     public native int j();
     public native int oa();
+    public native int za();
     public native void b(int a, int b, int c, int d, int e);
     public native void N(int a, int b, int c, int d, int e, int f, int g, int h, int i);
 

@@ -12,6 +12,7 @@ Exception::~Exception() { free(text); }
 
 void Exception::thrownamed(JNIEnv* env, const char* hostclass, const char* words) {
     hostcall guard;
+    if (env->ExceptionCheck()) return;
     jclass cls = env->FindClass(hostclass);
     if (cls) env->ThrowNew(cls, words);
 }
@@ -34,6 +35,7 @@ void NativeError::throwtohost(JNIEnv* env) {
 
 void ArrayIndexOutOfBoundsException::throwtohost(JNIEnv* env) {
     hostcall guard;
+    if (env->ExceptionCheck()) return;
     jclass cls = env->FindClass("java/lang/ArrayIndexOutOfBoundsException");
     if (!cls) return;
     jmethodID init = env->GetMethodID(cls, "<init>", "(I)V");

@@ -12,7 +12,8 @@ public:
     Exception(const Exception&) = delete;
     Exception& operator=(const Exception&) = delete;
 
-    // Raises the host exception that stands for this failure; the export returns after it.
+    // Raises the host exception that stands for this failure; the export returns after it. A
+    // host exception already pending (a callback of the host threw) is the first cause and stays.
     virtual void throwtohost(JNIEnv* env);
 
     const char* message() const { return text; }

@@ -1,0 +1,19 @@
+// The host's pool (class ba): a memory manager that, when full, asks the host to release memory
+// through the callback h of the toolkit that was current when the pool was made.
+#pragma once
+#include <jni.h>
+
+#include "util/memory/memorymanager.h"
+
+struct toolkit;
+
+class memorypool : public memorymanager {
+public:
+    memorypool(uint32_t capacity, struct toolkit* toolkit) : memorymanager(capacity), toolkit(toolkit) {}
+
+    struct toolkit* const toolkit;
+    jweak hostref = nullptr;  // the ba object
+
+protected:
+    void flush() override;
+};
