@@ -23,6 +23,12 @@ public class ja {
     public native void ba(int flags, int colour);
     public native void B(int x, int y, int w, int h, int colour, int mode);
 
+    // Lines and discs, under the clip rectangle with a blend mode
+    public native void XA(int x, int y, int length, int colour, int mode);
+    public native void G(int x, int y, int length, int colour, int mode);
+    public native void YA(int x1, int y1, int x2, int y2, int colour, int mode);
+    public native void CA(int x, int y, int radius, int colour, int mode);
+
     // Pixels
     public native int[] E(int x, int y, int w, int h);
     public native void BA(int x, int y, int w, int h, int[] pixels, int offset, int scan);

@@ -35,3 +35,21 @@ inline uint32_t addsaturate(uint32_t d, uint32_t c) {
     uint32_t k = ((s - rb) & 0x10000) + (rb & 0x1000100);
     return (k - (k >> 8)) | (s - k);
 }
+
+// The rules as functions of the old pixel, for the per-pixel paths of shapes.
+struct storerule {
+    uint32_t colour;
+    uint32_t operator()(uint32_t) const { return colour; }
+};
+struct addrule {
+    uint32_t colour;
+    uint32_t operator()(uint32_t d) const { return addsaturate(d, colour); }
+};
+
+// Calls draw with the rule of a valid mode; an opaque blend is a store.
+template <class Draw>
+void withblendrule(int mode, uint32_t colour, Draw&& draw) {
+    if (isstore(mode, colour)) draw(storerule{colour});
+    else if (mode == blend) draw(blendsource(colour));
+    else draw(addrule{colour});
+}

@@ -2,11 +2,19 @@
 #pragma once
 #include <cstdint>
 
+#include "toolkit/blend.h"
 #include "toolkit/toolkit.h"
 
 // Stores `value` into n words from p: up to three words singly to a 16-byte boundary, the body in
 // aligned stores of four, the tail singly.
 void storerun(uint32_t* p, int n, uint32_t value);
+
+// Writes n pixels from p by a write rule of the blend modes; stores take the store run.
+template <class Rule>
+void writerun(uint32_t* p, int n, Rule rule) {
+    for (int i = 0; i < n; ++i) p[i] = rule(p[i]);
+}
+inline void writerun(uint32_t* p, int n, storerule rule) { storerun(p, n, rule.colour); }
 
 // Fills (x, y, w, h) of a buffer with row pitch `width` and `height` rows by the store path; a
 // rectangle that is the whole buffer is filled as one run.
