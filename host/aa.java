@@ -5,4 +5,6 @@ public class aa {
     }
 
     public long nativeid;
+
+    public native void ma(int unused);
 }

@@ -28,6 +28,12 @@ public class ja {
     public native void G(int x, int y, int length, int colour, int mode);
     public native void YA(int x1, int y1, int x2, int y2, int colour, int mode);
     public native void CA(int x, int y, int radius, int colour, int mode);
+    public native void R(int x1, int y1, int x2, int y2, int colour, int mode, wa mask, int maskx, int masky);
+    public native void DA(int colour, wa mask, int x, int y);
+
+    // Off-screen target: a sprite's pixels and a surface's depths, either may be 0
+    public native void d(long sprite, long surface);
+    public native void VA(int dx, int dy);
 
     // Pixels
     public native int[] E(int x, int y, int w, int h);

@@ -5,4 +5,10 @@ public class oa {
     }
 
     public long nativeid;
+
+    /** Makes a w by h depth surface; its content is undefined until drawn. */
+    public native void g(int w, int h);
+
+    /** Frees the surface given by its nativeid. */
+    public native void za(long surface, int unused);
 }

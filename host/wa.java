@@ -5,4 +5,9 @@ public class wa {
     }
 
     public long nativeid;
+
+    /** Copies the rows' first x and widths into the pool. */
+    public native void l(Object unused, ba pool, int width, int height, int[] offsets, int[] widths);
+
+    public native void ma(int unused);
 }

@@ -8,7 +8,9 @@
 
 #include "toolkit/blend.h"
 #include "toolkit/fill.h"
+#include "toolkit/spanmask.h"
 #include "util/frame.h"
+#include "util/peer.h"
 
 namespace {
 
@@ -97,6 +99,20 @@ void drawline(toolkit& t, int x1, int y1, int x2, int y2, uint32_t colour, int m
     walkline(t, x1, y1, x2, y2, {t.cliprect[1], t.cliprect[3]}, colour, mode, [](long long, long long) { return true; });
 }
 
+// The rows are also limited to the mask's, so every row the walk reaches has a row of the mask.
+void drawmaskedline(toolkit& t, int x1, int y1, int x2, int y2, uint32_t colour, int mode, const spanmask& mask,
+                    int maskx, int masky) {
+    if (!t.colourbuffer) return;
+    const int* offsets = mask.offsets.get();
+    const int* widths = mask.widths.get();
+    const range rows{std::max<long long>(t.cliprect[1], masky),
+                     std::min<long long>(t.cliprect[3], static_cast<long long>(masky) + mask.rows())};
+    walkline(t, x1, y1, x2, y2, rows, colour, mode, [&](long long x, long long y) {
+        long long r = y - masky, start = static_cast<long long>(offsets[r]) + maskx;
+        return x >= start && x < start + widths[r];
+    });
+}
+
 extern "C" {
 
 JNIEXPORT void JNICALL Java_ja_XA(JNIEnv* env, jobject, jint x, jint y, jint length, jint colour, jint mode) {
@@ -113,6 +129,14 @@ JNIEXPORT void JNICALL Java_ja_G(JNIEnv* env, jobject, jint x, jint y, jint leng
 
 JNIEXPORT void JNICALL Java_ja_YA(JNIEnv* env, jobject, jint x1, jint y1, jint x2, jint y2, jint colour, jint mode) {
     runexport(env, [&] { drawline(*currenttoolkit, x1, y1, x2, y2, static_cast<uint32_t>(colour), mode); });
+}
+
+JNIEXPORT void JNICALL Java_ja_R(JNIEnv* env, jobject, jint x1, jint y1, jint x2, jint y2, jint colour, jint mode,
+                                jobject mask, jint maskx, jint masky) {
+    runexport(env, [&] {
+        const spanmask& m = *getpeer<spanmask>(env, hostclass::wa, mask);
+        drawmaskedline(*currenttoolkit, x1, y1, x2, y2, static_cast<uint32_t>(colour), mode, m, maskx, masky);
+    });
 }
 
 }  // extern "C"

@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "target.h"
-#include "toolkit/blend.h"
 
 namespace {
 
@@ -60,17 +59,12 @@ std::vector<span> discspans(const int* clip, long long x, long long y, int radiu
     return out;
 }
 
-uint32_t ruled(int mode, uint32_t d, uint32_t c) {
-    if (isstore(mode, c)) return c;
-    return mode == blend ? blendsource(c)(d) : addsaturate(d, c);
-}
-
 void expectdisc(testtarget& g, int x, int y, int radius, float z, uint32_t colour, int mode) {
     std::vector<uint32_t> expected(g.colour.get(), g.colour.get() + g.pixels());
     for (const span& s : discspans(g.t.cliprect, x, y, radius))
         for (long long px = s.from; px <= s.to; ++px) {
             long long i = s.row * g.t.width + px;
-            if (!g.t.depthbuffer || g.t.depthbuffer[i] > z) expected[i] = ruled(mode, expected[i], colour);
+            if (!g.t.depthbuffer || g.t.depthbuffer[i] > z) expected[i] = ruledpixel(mode, expected[i], colour);
         }
     drawdisc(g.t, x, y, radius, z, colour, mode);
     int i = firstdifference(g, expected);
@@ -147,9 +141,9 @@ TEST(disc, largeradiimatchthestepwisewalk) {
 
 TEST(disc, teststhemodeafterclippingandonlywithacolourbuffer) {
     testtarget g(8, 8);
-    EXPECT_TRUE(raisesbadmode([&] { drawdisc(g.t, -100, -100, 3, 0, 0, 3); }));
+    EXPECT_TRUE(raisesillegalargument([&] { drawdisc(g.t, -100, -100, 3, 0, 0, 3); }));
     g.t.colourbuffer = nullptr;
-    EXPECT_FALSE(raisesbadmode([&] { drawdisc(g.t, 4, 4, 3, 0, 0, 3); }));
+    EXPECT_FALSE(raisesillegalargument([&] { drawdisc(g.t, 4, 4, 3, 0, 0, 3); }));
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "target.h"
-#include "toolkit/blend.h"
+#include "testmask.h"
 
 namespace {
 
@@ -50,11 +50,6 @@ std::vector<point> linepoints(long long x1, long long y1, long long x2, long lon
     return out;
 }
 
-uint32_t ruled(int mode, uint32_t d, uint32_t c) {
-    if (isstore(mode, c)) return c;
-    return mode == blend ? blendsource(c)(d) : addsaturate(d, c);
-}
-
 std::set<point> drawn(testtarget& g, const std::vector<uint32_t>& before) {
     std::set<point> out;
     for (int y = 0; y < g.t.height; ++y)
@@ -67,7 +62,7 @@ std::set<point> drawn(testtarget& g, const std::vector<uint32_t>& before) {
 void expectline(testtarget& g, int x1, int y1, int x2, int y2, uint32_t colour, int mode) {
     std::vector<uint32_t> expected(g.colour.get(), g.colour.get() + g.pixels());
     for (auto [x, y] : linepoints(x1, y1, x2, y2))
-        if (g.insideclip(x, y)) expected[y * g.t.width + x] = ruled(mode, expected[y * g.t.width + x], colour);
+        if (g.insideclip(x, y)) expected[y * g.t.width + x] = ruledpixel(mode, expected[y * g.t.width + x], colour);
     drawline(g.t, x1, y1, x2, y2, colour, mode);
     int i = firstdifference(g, expected);
     ASSERT_EQ(i, -1) << "line " << x1 << "," << y1 << " " << x2 << "," << y2 << " mode " << mode << " pixel " << i % g.t.width << "," << i / g.t.width << std::hex << " "
@@ -144,17 +139,54 @@ TEST(line, rowsandcolumnsclipandtestthemodeafterclipping) {
     testtarget g(8, 8);
     setcliprect(g.t, 2, 2, 6, 6);
     // A row or column outside the clip returns before the mode is looked at.
-    EXPECT_FALSE(raisesbadmode([&] { drawrow(g.t, 0, 7, 1, 0, 7); }));
-    EXPECT_FALSE(raisesbadmode([&] { drawcolumn(g.t, 6, 0, 7, 0, 7); }));
-    EXPECT_FALSE(raisesbadmode([&] { drawline(g.t, 0, 6, 7, 6, 0, 7); }));
+    EXPECT_FALSE(raisesillegalargument([&] { drawrow(g.t, 0, 7, 1, 0, 7); }));
+    EXPECT_FALSE(raisesillegalargument([&] { drawcolumn(g.t, 6, 0, 7, 0, 7); }));
+    EXPECT_FALSE(raisesillegalargument([&] { drawline(g.t, 0, 6, 7, 6, 0, 7); }));
     // Inside, an empty run still raises, and so does a general line that misses the clip.
-    EXPECT_TRUE(raisesbadmode([&] { drawrow(g.t, 0, 1, 3, 0, 3); }));
-    EXPECT_TRUE(raisesbadmode([&] { drawcolumn(g.t, 3, 7, 6, 0, -1); }));
-    EXPECT_TRUE(raisesbadmode([&] { drawline(g.t, 0, 0, 1, 7, 0, 3); }));
+    EXPECT_TRUE(raisesillegalargument([&] { drawrow(g.t, 0, 1, 3, 0, 3); }));
+    EXPECT_TRUE(raisesillegalargument([&] { drawcolumn(g.t, 3, 7, 6, 0, -1); }));
+    EXPECT_TRUE(raisesillegalargument([&] { drawline(g.t, 0, 0, 1, 7, 0, 3); }));
     // Without a colour buffer nothing raises.
     g.t.colourbuffer = nullptr;
-    EXPECT_FALSE(raisesbadmode([&] { drawline(g.t, 0, 0, 5, 7, 0, 9); }));
-    EXPECT_FALSE(raisesbadmode([&] { drawrow(g.t, 0, 5, 3, 0, 9); }));
+    EXPECT_FALSE(raisesillegalargument([&] { drawline(g.t, 0, 0, 5, 7, 0, 9); }));
+    EXPECT_FALSE(raisesillegalargument([&] { drawrow(g.t, 0, 5, 3, 0, 9); }));
+}
+
+// Through a mask the same walk draws only what the mask admits: rows, columns and single points
+// take the general walk, whose step along the shorter axis is then 0.
+TEST(maskedline, drawsthelinewherethemaskadmitsit) {
+    testtarget g(29, 21);
+    testmask m;
+    testrng rng(23);
+    for (int i = 0; i < 6000; ++i) {
+        if (i % 20 == 0) m.randomise(rng, 25, 30);
+        if (i % 40 == 0) fillrandom(g, rng);
+        int l = static_cast<int>(rng() % 12), tp = static_cast<int>(rng() % 12);
+        setcliprect(g.t, l, tp, 29 - static_cast<int>(rng() % 12), 21 - static_cast<int>(rng() % 12));
+        int x1 = static_cast<int>(rng() % 45) - 8, y1 = static_cast<int>(rng() % 37) - 8;
+        int x2 = i % 7 == 0 ? x1 : static_cast<int>(rng() % 45) - 8;
+        int y2 = i % 5 == 0 ? y1 : static_cast<int>(rng() % 37) - 8;
+        int maskx = static_cast<int>(rng() % 20) - 5, masky = static_cast<int>(rng() % 20) - 5;
+        uint32_t colour = randompixel(rng);
+        int mode = i % 3;
+        std::vector<uint32_t> expected(g.colour.get(), g.colour.get() + g.pixels());
+        for (auto [x, y] : linepoints(x1, y1, x2, y2))
+            if (g.insideclip(x, y) && m.admits(x, y, maskx, masky))
+                expected[y * g.t.width + x] = ruledpixel(mode, expected[y * g.t.width + x], colour);
+        drawmaskedline(g.t, x1, y1, x2, y2, colour, mode, m.mask, maskx, masky);
+        int at = firstdifference(g, expected);
+        ASSERT_EQ(at, -1) << "case " << i << " line " << x1 << "," << y1 << " " << x2 << "," << y2 << " mask at "
+                          << maskx << "," << masky << " pixel " << at % g.t.width << "," << at / g.t.width;
+    }
+}
+
+TEST(maskedline, hasnoshortcutsbeforethemodetest) {
+    testtarget g(8, 8);
+    setcliprect(g.t, 2, 2, 6, 6);
+    testmask m;
+    m.set({0, 0}, {8, 8});
+    EXPECT_TRUE(raisesillegalargument([&] { drawmaskedline(g.t, 0, 0, 7, 0, 0, 3, m.mask, 0, 0); }));
+    EXPECT_FALSE(raisesillegalargument([&] { drawline(g.t, 0, 0, 7, 0, 0, 3); }));
 }
 
 }  // namespace

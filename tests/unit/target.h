@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "guarded.h"
+#include "toolkit/blend.h"
 #include "util/exception.h"
 #include "toolkit/toolkit.h"
 
@@ -65,9 +66,10 @@ inline void fillrandom(testtarget& g, testrng& rng) {
     for (int i = 0; i < g.pixels(); ++i) g.colour[i] = randompixel(rng);
 }
 
-// True when draw fails with the invalid-mode failure; the failure object is freed.
+// True when draw fails with IllegalArgumentException (an invalid mode, for shapes); the failure
+// object is freed.
 template <class Draw>
-bool raisesbadmode(Draw draw) {
+bool raisesillegalargument(Draw draw) {
     try {
         draw();
     } catch (IllegalArgumentException* e) {
@@ -75,4 +77,10 @@ bool raisesbadmode(Draw draw) {
         return true;
     }
     return false;
+}
+
+// One pixel by a mode's rule; the rules themselves are checked channel by channel elsewhere.
+inline uint32_t ruledpixel(int mode, uint32_t d, uint32_t c) {
+    if (isstore(mode, c)) return c;
+    return mode == blend ? blendsource(c)(d) : addsaturate(d, c);
 }

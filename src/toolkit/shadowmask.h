@@ -1,0 +1,19 @@
+// A grid of cells, 0 or 1, that a model or ground tile fills with its shadow. Peer of the host's
+// `aa`. Its cells live in a memory pool; a holder reuses a mask whose cells are large enough,
+// clearing them and setting the placement anew.
+#pragma once
+#include <cstdint>
+
+#include "util/memory/allocatedmemory.h"
+
+class memorypool;
+
+struct shadowmask {
+    memorypool* pool;
+    int width, height;
+    int x, y, usedwidth, usedheight;  // placement and used part, zero at the start
+    allocatedmemory<uint8_t> cells;   // width * height
+
+    // Takes width * height cells from the pool, all cleared.
+    shadowmask(memorypool& pool, int width, int height);
+};

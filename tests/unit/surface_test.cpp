@@ -1,0 +1,121 @@
+// Off-screen targets and the block copies between a target and a sprite and surface.
+#include "toolkit/surface.h"
+
+#include <gtest/gtest.h>
+
+#include "sprite/sprite.h"
+#include "target.h"
+#include "toolkit/copy.h"
+
+namespace {
+
+struct offscreen {
+    guarded<uint32_t> pixels;
+    sprite image{};
+    surface* depth;
+    offscreen(int w, int h, int dw, int dh) : pixels(static_cast<size_t>(w) * h), depth(makesurface(dw, dh)) {
+        image.width = image.stride = w;
+        image.height = h;
+        image.pixels = pixels.get();
+    }
+    ~offscreen() { destroysurface(depth); }
+};
+
+TEST(offscreen, spritesizerulesandnothingiscleared) {
+    testtarget g(10, 10);
+    offscreen o(6, 4, 8, 5);
+    o.pixels[0] = 0x12345678;
+    o.depth->buffer[0] = 7.0f;
+    rasterstate.depthrange[0] = 0.25f;
+    selectoffscreen(g.t, &o.image, o.depth);
+    EXPECT_EQ(g.t.colourbuffer, o.pixels.get());
+    EXPECT_EQ(g.t.depthbuffer, o.depth->buffer);
+    EXPECT_EQ(g.t.coloursurface, &o.image);
+    EXPECT_EQ(g.t.depthsurface, o.depth);
+    EXPECT_EQ(g.t.width, 6);
+    EXPECT_EQ(g.t.height, 4);
+    EXPECT_EQ(rasterstate.targetstride, 6);
+    EXPECT_EQ(rasterstate.targetcolour, o.pixels.get());
+    EXPECT_EQ(rasterstate.targetdepth, o.depth->buffer);
+    EXPECT_EQ((std::array{g.t.cliprect[0], g.t.cliprect[1], g.t.cliprect[2], g.t.cliprect[3]}), (std::array{0, 0, 6, 4}));
+    EXPECT_EQ(rasterstate.rasterclip[2], 6);
+    EXPECT_EQ(rasterstate.viewport[3], 4);
+    EXPECT_EQ(rasterstate.depthrange[0], 0.25f);
+    EXPECT_EQ(o.pixels[0], 0x12345678u);
+    EXPECT_EQ(o.depth->buffer[0], 7.0f);
+    rasterstate.depthrange[0] = 0;
+}
+
+TEST(offscreen, surfacealonegivesthesizeandnoneleavesit) {
+    testtarget g(10, 10);
+    offscreen o(6, 4, 8, 5);
+    selectoffscreen(g.t, nullptr, o.depth);
+    EXPECT_EQ(g.t.colourbuffer, nullptr);
+    EXPECT_EQ(g.t.width, 8);
+    EXPECT_EQ(g.t.height, 5);
+    EXPECT_EQ(rasterstate.targetstride, 8);
+    selectoffscreen(g.t, nullptr, nullptr);
+    EXPECT_EQ(g.t.depthbuffer, nullptr);
+    EXPECT_EQ(g.t.depthsurface, nullptr);
+    EXPECT_EQ(rasterstate.targetstride, 0);
+    EXPECT_EQ(g.t.width, 8);
+    EXPECT_EQ(g.t.cliprect[3], 5);
+}
+
+TEST(offscreen, refusesasurfacesmallerthanthespritebeforechanginganything) {
+    testtarget g(10, 10);
+    offscreen o(6, 4, 5, 9);
+    EXPECT_TRUE(raisesillegalargument([&] { selectoffscreen(g.t, &o.image, o.depth); }));
+    EXPECT_EQ(g.t.colourbuffer, g.colour.get());
+    EXPECT_EQ(g.t.width, 10);
+}
+
+// Each pixel and depth carries its own position, so a copy to the wrong place shows.
+TEST(copy, blocksgoandcomebackbetweenthetargetandthespriteandsurface) {
+    testtarget g(12, 9, true);
+    offscreen o(7, 6, 7, 6);
+    for (int i = 0; i < g.pixels(); ++i) {
+        g.colour[i] = 0x1000 + i;
+        g.depth[i] = static_cast<float>(i);
+    }
+    for (int i = 0; i < 42; ++i) {
+        o.pixels[i] = 0;
+        o.depth->buffer[i] = -1.0f;
+    }
+    copytargetblock(g.t, &o.image, o.depth, 3, 2, 4, 5, 2, 1, true, true, copyway::fromtarget);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 7; ++x) {
+            bool inside = x >= 2 && x < 6 && y >= 1 && y < 6;
+            int from = (y - 1 + 2) * 12 + (x - 2 + 3);
+            ASSERT_EQ(o.pixels[y * 7 + x], inside ? 0x1000u + from : 0u) << x << "," << y;
+            ASSERT_EQ(o.depth->buffer[y * 7 + x], inside ? static_cast<float>(from) : -1.0f) << x << "," << y;
+        }
+    // Back to another place of the target, colour only.
+    copytargetblock(g.t, &o.image, o.depth, 0, 0, 4, 5, 2, 1, true, false, copyway::totarget);
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 12; ++x) {
+            bool inside = x < 4 && y < 5;
+            int from = inside ? (y + 2) * 12 + (x + 3) : y * 12 + x;
+            ASSERT_EQ(g.at(x, y), 0x1000u + from) << x << "," << y;
+            ASSERT_EQ(g.depth[y * 12 + x], static_cast<float>(y * 12 + x));
+        }
+    EXPECT_TRUE(g.colour.intact() && g.depth.intact() && o.pixels.intact());
+}
+
+TEST(copy, flagsdropwhenthetargetlacksthebuffer) {
+    testtarget g(4, 4);
+    offscreen o(4, 4, 4, 4);
+    o.depth->buffer[0] = -1.0f;
+    g.colour[0] = 9;
+    copytargetblock(g.t, &o.image, o.depth, 0, 0, 1, 1, 0, 0, true, true, copyway::fromtarget);
+    EXPECT_EQ(o.pixels[0], 9u);
+    EXPECT_EQ(o.depth->buffer[0], -1.0f);
+    // Depth alone with no sprite goes by the surface's own width.
+    g.t.colourbuffer = nullptr;
+    g.t.depthbuffer = g.depth.get();
+    g.depth[5] = 3.0f;
+    copytargetblock(g.t, nullptr, o.depth, 1, 1, 1, 1, 1, 1, true, true, copyway::fromtarget);
+    EXPECT_EQ(o.depth->buffer[5], 3.0f);
+}
+
+}  // namespace

@@ -1,0 +1,42 @@
+// Span masks for tests, their tables in a pool of their own.
+#pragma once
+#include <algorithm>
+#include <vector>
+
+#include "target.h"
+#include "toolkit/spanmask.h"
+#include "util/memory/memorypool.h"
+
+struct testmask {
+    memorypool pool{1 << 16, nullptr};
+    spanmask mask{};
+
+    // Replaces the tables; they may differ in length.
+    void set(const std::vector<int>& offsets, const std::vector<int>& widths) {
+        pool.allocate(mask.offsets, static_cast<int>(offsets.size()));
+        pool.allocate(mask.widths, static_cast<int>(widths.size()));
+        std::copy(offsets.begin(), offsets.end(), mask.offsets.get());
+        std::copy(widths.begin(), widths.end(), mask.widths.get());
+        mask.offsetcount = static_cast<int>(offsets.size());
+        mask.widthcount = static_cast<int>(widths.size());
+    }
+
+    // Up to `rows` rows of spans around the mask's corner, some empty or of negative width, and
+    // now and then a widths table a row short.
+    void randomise(testrng& rng, int rows, int reach) {
+        std::vector<int> offsets(rng() % (rows + 1)), widths(offsets.size());
+        for (size_t r = 0; r < offsets.size(); ++r) {
+            offsets[r] = static_cast<int>(rng() % (reach + 10)) - 10;
+            widths[r] = static_cast<int>(rng() % (reach + 6)) - 5;
+        }
+        if (!widths.empty() && rng() % 8 == 0) widths.pop_back();
+        set(offsets, widths);
+    }
+
+    bool admits(long long x, long long y, int maskx, int masky) const {
+        long long r = y - masky;
+        if (r < 0 || r >= std::min(mask.offsetcount, mask.widthcount)) return false;
+        long long start = static_cast<long long>(mask.offsets[r]) + maskx;
+        return x >= start && x < start + mask.widths[r];
+    }
+};
