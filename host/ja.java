@@ -51,6 +51,21 @@ public class ja {
     public native void GA(float near, float far);
     public native void xa(int[] out);
 
+    // Camera: 16 floats, four rows of four, acting on row vectors
+    public native void AA(float[] viewmatrix);
+    public native void wa(float[] projectionmatrix);
+
+    // Light and fog
+    public native void m(int colour, float ambient, float diffuse, float x, float y, float z);
+    public native void IA(float lightfactor);
+    public native void Q(int count, int[] lights, float[] intensities);
+    public native void J(int shadowcell);
+    public native void RA(boolean fogenabled);
+    public native void c(int colour, int distance, int unused);
+    public native void JA(int start, int colour, int range, int unused);
+    public native void M(int start, int colour, int range, int unused);
+    public native void O();
+
     /** Called when drawing needs a texture that is not loaded; true once it has been given. */
     public boolean SA(short id) {
         return false;

@@ -74,6 +74,10 @@ struct alignas(16) rasterstatedata {
 };
 extern rasterstatedata rasterstate;
 
+// Follows the host's fog switch as 0 or 1; kept for the host's sake, drawing goes by the fog
+// distance.
+extern int fogflag;
+
 extern toolkit* currenttoolkit;
 extern int modelcount;
 extern jmethodID method_SA, method_h, method_WA;

@@ -39,6 +39,13 @@ template <> struct pintraits<pinkind::intcriticalwrite> : pintraitsof<jint, jint
 template <> struct pintraits<pinkind::floatcriticalwrite> : pintraitsof<jfloat, jfloatArray, true, 0> {};
 template <> struct pintraits<pinkind::bytecriticalwrite> : pintraitsof<jbyte, jbyteArray, true, 0> {};
 
+// Element count of a host array, 0 for a null one.
+inline jsize arraylength(JNIEnv* env, jarray a) {
+    if (!a) return 0;
+    hostcall guard;
+    return env->GetArrayLength(a);
+}
+
 template <pinkind K>
 class arraypin : framehold {
 public:
@@ -52,6 +59,14 @@ public:
     arraypin(JNIEnv* caller, arraytype a) {
         env = caller;
         acquire(a);
+    }
+    // The JVM allows no other call while a critical pin is held, not even for a length, so a
+    // call that takes several critical pins reads every length first (`arraylength`) and hands
+    // it in here.
+    arraypin(JNIEnv* caller, arraytype a, jsize knownlength) requires(traits::critical) {
+        env = caller;
+        length = knownlength;
+        acquire(a, false);
     }
     // The float write pin makes its own array of the given length.
     arraypin(JNIEnv* caller, jsize newlength) requires(K == pinkind::floatcriticalwrite) {
@@ -99,11 +114,11 @@ public:
     }
 
 private:
-    void acquire(arraytype a) {
+    void acquire(arraytype a, bool readlength = true) {
         if (!a) return;
         hostcall guard;
         if constexpr (traits::critical) {
-            length = env->GetArrayLength(a);
+            if (readlength) length = env->GetArrayLength(a);
             data = static_cast<element*>(env->GetPrimitiveArrayCritical(a, &iscopy));
             ++criticalcount;
         } else {
