@@ -57,11 +57,14 @@ void drawturnedtext(const toolkit& t, const font& f, fontkind kind, int index, i
 
 namespace {
 
-void plainentry(JNIEnv* env, hostclass cls, fontkind kind, jobject self, jint index, jint x, jint y, jint colour,
-                bool mono) {
+// The plain or the turned draw.
+void fontentry(JNIEnv* env, hostclass cls, fontkind kind, bool turned, jobject self, jint index, jint x, jint y,
+               jint colour, bool mono) {
     runexport(env, [&] {
-        if (const font* f = getpeer<font>(env, cls, self))
-            drawtext(*currenttoolkit, *f, kind, index, x, y, static_cast<uint32_t>(colour), mono, nullptr);
+        const font* f = getpeer<font>(env, cls, self);
+        if (!f) return;
+        if (turned) drawturnedtext(*currenttoolkit, *f, kind, index, x, y, static_cast<uint32_t>(colour), mono);
+        else drawtext(*currenttoolkit, *f, kind, index, x, y, static_cast<uint32_t>(colour), mono, nullptr);
     });
 }
 
@@ -80,49 +83,41 @@ void maskedentry(JNIEnv* env, hostclass cls, fontkind kind, jobject self, jint i
     });
 }
 
-void turnedentry(JNIEnv* env, hostclass cls, fontkind kind, jobject self, jint index, jint x, jint y, jint colour,
-                 bool mono) {
-    runexport(env, [&] {
-        if (const font* f = getpeer<font>(env, cls, self))
-            drawturnedtext(*currenttoolkit, *f, kind, index, x, y, static_cast<uint32_t>(colour), mono);
-    });
-}
-
 }  // namespace
 
 extern "C" {
 
 JNIEXPORT void JNICALL Java_ea_UA(JNIEnv* env, jobject self, jint index, jint x, jint y, jint colour, jint) {
-    plainentry(env, hostclass::ea, fontkind::coverage, self, index, x, y, colour, false);
+    fontentry(env, hostclass::ea, fontkind::coverage, false, self, index, x, y, colour, false);
 }
 JNIEXPORT void JNICALL Java_ea_P(JNIEnv* env, jobject self, jint index, jint x, jint y, jint colour, jint, jobject mask,
                                  jint maskx, jint masky) {
     maskedentry(env, hostclass::ea, fontkind::coverage, self, index, x, y, colour, false, mask, maskx, masky);
 }
 JNIEXPORT void JNICALL Java_ea_f(JNIEnv* env, jobject self, jint index, jint x, jint y, jint colour, jint) {
-    turnedentry(env, hostclass::ea, fontkind::coverage, self, index, x, y, colour, false);
+    fontentry(env, hostclass::ea, fontkind::coverage, true, self, index, x, y, colour, false);
 }
 
 JNIEXPORT void JNICALL Java_m_UA(JNIEnv* env, jobject self, jint index, jint x, jint y, jint colour, jint) {
-    plainentry(env, hostclass::m, fontkind::mono, self, index, x, y, colour, false);
+    fontentry(env, hostclass::m, fontkind::mono, false, self, index, x, y, colour, false);
 }
 JNIEXPORT void JNICALL Java_m_MA(JNIEnv* env, jobject self, jint index, jint x, jint y, jint colour, jint, jobject mask,
                                  jint maskx, jint masky) {
     maskedentry(env, hostclass::m, fontkind::mono, self, index, x, y, colour, false, mask, maskx, masky);
 }
 JNIEXPORT void JNICALL Java_m_f(JNIEnv* env, jobject self, jint index, jint x, jint y, jint colour, jint) {
-    turnedentry(env, hostclass::m, fontkind::mono, self, index, x, y, colour, false);
+    fontentry(env, hostclass::m, fontkind::mono, true, self, index, x, y, colour, false);
 }
 
 JNIEXPORT void JNICALL Java_ia_UA(JNIEnv* env, jobject self, jint index, jint x, jint y, jint colour, jboolean mono) {
-    plainentry(env, hostclass::ia, fontkind::palette, self, index, x, y, colour, mono);
+    fontentry(env, hostclass::ia, fontkind::palette, false, self, index, x, y, colour, mono);
 }
 JNIEXPORT void JNICALL Java_ia_GA(JNIEnv* env, jobject self, jint index, jint x, jint y, jint colour, jboolean mono,
                                   jobject mask, jint maskx, jint masky) {
     maskedentry(env, hostclass::ia, fontkind::palette, self, index, x, y, colour, mono, mask, maskx, masky);
 }
 JNIEXPORT void JNICALL Java_ia_f(JNIEnv* env, jobject self, jint index, jint x, jint y, jint colour, jboolean mono) {
-    turnedentry(env, hostclass::ia, fontkind::palette, self, index, x, y, colour, mono);
+    fontentry(env, hostclass::ia, fontkind::palette, true, self, index, x, y, colour, mono);
 }
 
 }  // extern "C"

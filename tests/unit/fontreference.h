@@ -21,7 +21,8 @@ enum class entry { plain, masked, turned };
 inline void draw(target& t, const font& f, fontkind kind, entry e, int index, int x, int y, uint32_t colour, bool mono,
                  const mask* m) {
     int g = static_cast<int16_t>(index);
-    if (g < 0 || g >= static_cast<int>(f.glyphs.size())) return;
+    for (size_t size : {f.glyphs.size(), f.widths.size(), f.heights.size(), f.tops.size(), f.lefts.size()})
+        if (g < 0 || g >= static_cast<int>(size)) return;
     int w = f.widths[g], h = f.heights[g];
     const std::vector<uint8_t>& bytes = f.glyphs[g];
     // A glyph with fewer bytes than its size is left out rather than read past its end.
