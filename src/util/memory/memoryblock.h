@@ -1,6 +1,7 @@
 // One block of a manager's arena: where it is, how big, and the handles through which holders
 // reach it. A block lives as long as its last handle, possibly longer than its manager.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 
 #include "util/memory/ringlink.h"
@@ -24,4 +25,9 @@ struct memoryblock : ringlink {  // linked in its manager's blocks, oldest first
         allocatedbytes -= static_cast<int>(size);
         unlink();
     }
+
+    // Records are recycled: a block is made at nearly every allocation and dies at a release,
+    // and the C library's heap would cost as much as the rest of the allocation.
+    static void* operator new(size_t bytes);
+    static void operator delete(void* record);
 };

@@ -7,8 +7,7 @@
 
 struct toolkit;
 
-class memorypool : public memorymanager {
-public:
+struct memorypool : memorymanager {
     memorypool(uint32_t capacity, struct toolkit* toolkit) : memorymanager(capacity), toolkit(toolkit) {}
 
     struct toolkit* const toolkit;

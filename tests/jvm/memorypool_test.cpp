@@ -1,0 +1,148 @@
+// The pool as the host sees it: made and destroyed through ba, asking the toolkit's host object
+// for memory through h when full, and taking copies of host arrays.
+#include <gtest/gtest.h>
+
+#include "jvm.h"
+#include "toolkit/toolkit.h"
+#include "util/arraypin.h"
+#include "util/memory/copytomemory.h"
+#include "util/memory/memorypool.h"
+
+namespace {
+
+constexpr int kb = 1024;
+
+// A host call that must not fail.
+template <class... A>
+void call(jobject object, const char* method, const char* signature, A... args) {
+    callvoid(object, method, signature, args...);
+    EXPECT_EQ(takepending().classname, "") << method;
+}
+
+// A toolkit whose host object counts the flushes, made current for the pools of a test.
+class flushinghost : public testing::Test {
+protected:
+    void SetUp() override {
+        host = newobject("flushcounter");
+        call(host, "q", "(Ljava/lang/Object;II)V", nullptr, 0, 0);
+        ASSERT_NE(currenttoolkit, nullptr);
+    }
+    void TearDown() override { call(host, "ma", "(I)V", 0); }
+
+    jobject host;
+};
+
+TEST_F(flushinghost, poolmadebythehostaskstheconstructingtoolkitshost) {
+    jobject ba = newobject("ba");
+    call(ba, "sa", "(II)V", 0, 512 * kb);
+    auto* pool = reinterpret_cast<memorypool*>(longfield(ba, "nativeid"));
+    ASSERT_NE(pool, nullptr);
+    EXPECT_EQ(pool->toolkit, currenttoolkit);
+    EXPECT_EQ(pool->capacity, 512u * kb);
+
+    allocatedmemory<int> a, b, c;
+    pool->allocate(a, 100 * kb);
+    for (int i = 0; i < a.length(); ++i) a[i] = i * 3;
+    pool->allocate(b, 20 * kb);
+    EXPECT_EQ(intfield(host, "flushes"), 0);
+    // 480 KB are used and nothing is released: the host is asked once, then the arena grows.
+    pool->allocate(c, 10 * kb);
+    EXPECT_EQ(intfield(host, "flushes"), 1);
+    EXPECT_GT(pool->capacity, 512u * kb);
+    for (int i = 0; i < a.length(); ++i) ASSERT_EQ(a[i], i * 3);
+    EXPECT_EQ(pool->verify(), nullptr);
+
+    call(ba, "ma", "(I)V", 0);
+    EXPECT_EQ(longfield(ba, "nativeid"), 0);
+    EXPECT_EQ(a.get(), nullptr);
+}
+
+// A host that throws from h ends the call that needed memory; its exception is what the host
+// sees, and the arena has not grown.
+TEST_F(flushinghost, ahostthatthrowsfromhendsthecall) {
+    memorypool pool(320 * kb, currenttoolkit);
+    allocatedmemory<uint8_t> a, b;
+    pool.allocate(a, 300 * kb);
+    setbooleanfield(host, "refuse", true);
+    runexport(jvmenv, [&] { pool.allocate(b, 30 * kb); });
+    pending p = takepending();
+    EXPECT_EQ(p.classname, "java.lang.IllegalStateException");
+    EXPECT_EQ(p.message, "nothing to give back");
+    EXPECT_EQ(intfield(host, "flushes"), 1);
+    EXPECT_TRUE(b.empty());
+    EXPECT_EQ(pool.capacity, 320u * kb);
+}
+
+// Without a toolkit there is nobody to ask, and the arena simply grows.
+TEST(memorypool, withouttoolkitgrowswithoutasking) {
+    memorypool pool(64 * kb, nullptr);
+    allocatedmemory<uint8_t> a, b;
+    pool.allocate(a, 60 * kb);
+    pool.allocate(b, 10 * kb);
+    EXPECT_GT(pool.capacity, 64u * kb);
+}
+
+TEST(memorypool, hostdestroysandreleases) {
+    jobject ja = newobject("ja");
+    int before = callint(ja, "za");
+    jobject ba = newobject("ba");
+    call(ba, "sa", "(II)V", 0, 64 * kb);
+    auto* pool = reinterpret_cast<memorypool*>(longfield(ba, "nativeid"));
+    allocatedmemory<short> a;
+    pool->allocate(a, 1000);
+    EXPECT_EQ(callint(ja, "za"), before + 2000);
+    // Release gives back the arena but leaves the record to whoever still points at it.
+    call(ba, "ha", "()V");
+    EXPECT_EQ(longfield(ba, "nativeid"), 0);
+    EXPECT_EQ(callint(ja, "za"), before);
+    EXPECT_EQ(pool->base, nullptr);
+    EXPECT_EQ(a.get(), nullptr);
+    call(ba, "ma", "(I)V", 0);
+    call(ba, "ha", "()V");
+    call(ba, "u", "()V");
+    delete pool;
+
+    jobject other = newobject("ba");
+    call(other, "sa", "(II)V", 0, 64 * kb);
+    call(other, "ma", "(I)V", 0);
+    call(other, "ma", "(I)V", 0);
+    EXPECT_EQ(longfield(other, "nativeid"), 0);
+}
+
+template <pinkind K, class A, class E>
+void expectcopied(A array, const E* values, int n) {
+    memorymanager m(64 * kb);
+    arraypin<K> pin(jvmenv, array);
+    allocatedmemory<E> copy;
+    copytomemory(pin, m, copy);
+    ASSERT_EQ(copy.length(), n);
+    for (int i = 0; i < n; ++i) EXPECT_EQ(copy[i], values[i]);
+}
+
+TEST(copytomemory, copiesbyteshortandintarrays) {
+    const jbyte bytes[] = {1, -2, 3, -128, 127};
+    const jshort shorts[] = {-32768, 0, 32767};
+    const jint ints[] = {1 << 31, -1, 0, 12345678, 7, 8, 9};
+    jbyteArray b = jvmenv->NewByteArray(5);
+    jvmenv->SetByteArrayRegion(b, 0, 5, bytes);
+    jshortArray s = jvmenv->NewShortArray(3);
+    jvmenv->SetShortArrayRegion(s, 0, 3, shorts);
+    jintArray i = jvmenv->NewIntArray(7);
+    jvmenv->SetIntArrayRegion(i, 0, 7, ints);
+    expectcopied<pinkind::byteread>(b, bytes, 5);
+    expectcopied<pinkind::shortread>(s, shorts, 3);
+    expectcopied<pinkind::intread>(i, ints, 7);
+    expectcopied<pinkind::intread>(jvmenv->NewIntArray(0), ints, 0);
+}
+
+TEST(copytomemory, nullarraygivesanemptyhandle) {
+    memorymanager m(64 * kb);
+    allocatedmemory<jint> copy;
+    m.allocate(copy, 4);
+    arraypin<pinkind::intread> pin(jvmenv, nullptr);
+    copytomemory(pin, m, copy);
+    EXPECT_TRUE(copy.empty());
+    EXPECT_TRUE(m.blocks.empty());
+}
+
+}  // namespace
