@@ -1,5 +1,7 @@
 // The solid-colour write rules that all 2D drawing of the toolkit shares (`blendmode`).
 #pragma once
+#include <emmintrin.h>
+
 #include <cstdint>
 
 #include "util/exception.h"
@@ -46,10 +48,31 @@ struct addrule {
     uint32_t operator()(uint32_t d) const { return addsaturate(d, colour); }
 };
 
+// The rules on four pixels at once, bit for bit as one at a time. In a blend no channel's
+// product (at most 255 * 256) leaves its 16-bit lane, and the two weighted halves of a channel
+// add up to at most 255, so lanes never carry into each other.
+inline __m128i rule4(storerule rule, __m128i) { return _mm_set1_epi32(static_cast<int>(rule.colour)); }
+inline __m128i rule4(const blendsource& rule, __m128i d) {
+    const auto w = static_cast<short>(rule.inverse);
+    const __m128i weight = _mm_set_epi16(0, w, w, w, 0, w, w, w);  // the old alpha is dropped
+    const __m128i zero = _mm_setzero_si128();
+    __m128i lo = _mm_srli_epi16(_mm_mullo_epi16(_mm_unpacklo_epi8(d, zero), weight), 8);
+    __m128i hi = _mm_srli_epi16(_mm_mullo_epi16(_mm_unpackhi_epi8(d, zero), weight), 8);
+    return _mm_add_epi32(_mm_packus_epi16(lo, hi), _mm_set1_epi32(static_cast<int>(rule.term)));
+}
+inline __m128i rule4(addrule rule, __m128i d) {
+    const __m128i c = _mm_set1_epi32(static_cast<int>(rule.colour));
+    const __m128i alpha = _mm_set1_epi32(static_cast<int>(0xFF000000u));
+    return _mm_or_si128(_mm_and_si128(alpha, _mm_add_epi8(d, c)), _mm_andnot_si128(alpha, _mm_adds_epu8(d, c)));
+}
+
 // Calls draw with the rule of a valid mode; an opaque blend is a store.
 template <class Draw>
 void withblendrule(int mode, uint32_t colour, Draw&& draw) {
-    if (isstore(mode, colour)) draw(storerule{colour});
-    else if (mode == blend) draw(blendsource(colour));
-    else draw(addrule{colour});
+    if (isstore(mode, colour))
+        draw(storerule{colour});
+    else if (mode == blend)
+        draw(blendsource(colour));
+    else
+        draw(addrule{colour});
 }

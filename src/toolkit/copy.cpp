@@ -14,8 +14,10 @@ void copytargetblock(toolkit& t, sprite* colour, surface* depth, int sx, int sy,
     const long long pitch = colour ? colour->width : depth->width;
     const size_t bytes = static_cast<size_t>(w) * 4;
     auto move = [&](void* target, void* other) {
-        if (way == copyway::fromtarget) memcpy(other, target, bytes);
-        else memcpy(target, other, bytes);
+        if (way == copyway::fromtarget)
+            memcpy(other, target, bytes);
+        else
+            memcpy(target, other, bytes);
     };
     for (int j = 0; j < h; ++j) {
         long long at = static_cast<long long>(sy + j) * t.width + sx;
@@ -32,8 +34,7 @@ void copyexport(JNIEnv* env, jlong t, jlong s, jlong d, jint sx, jint sy, jint w
     runexport(env, [&] {
         copytargetblock(*reinterpret_cast<toolkit*>(static_cast<intptr_t>(t)),
                         reinterpret_cast<sprite*>(static_cast<intptr_t>(s)),
-                        reinterpret_cast<surface*>(static_cast<intptr_t>(d)), sx, sy, w, h, dx, dy, colour, depth,
-                        way);
+                        reinterpret_cast<surface*>(static_cast<intptr_t>(d)), sx, sy, w, h, dx, dy, colour, depth, way);
     });
 }
 

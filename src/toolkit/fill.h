@@ -9,10 +9,16 @@
 // aligned stores of four, the tail singly.
 void storerun(uint32_t* p, int n, uint32_t value);
 
-// Writes n pixels from p by a write rule of the blend modes; stores take the store run.
+// Writes n pixels from p by a write rule of the blend modes, four at a time and the rest singly;
+// stores take the store run.
 template <class Rule>
 void writerun(uint32_t* p, int n, Rule rule) {
-    for (int i = 0; i < n; ++i) p[i] = rule(p[i]);
+    int i = 0;
+    for (; i + 4 <= n; i += 4) {
+        auto* four = reinterpret_cast<__m128i*>(p + i);
+        _mm_storeu_si128(four, rule4(rule, _mm_loadu_si128(four)));
+    }
+    for (; i < n; ++i) p[i] = rule(p[i]);
 }
 inline void writerun(uint32_t* p, int n, storerule rule) { storerun(p, n, rule.colour); }
 

@@ -45,8 +45,8 @@ void walk(long long m1, long long m2, long long n1, long long step, range major,
 // the order that makes dx + dy non-negative; then the longer axis runs upward, and the step along
 // the shorter one may have either sign.
 template <class Admit>
-void walkline(toolkit& t, long long x1, long long y1, long long x2, long long y2, range rows, uint32_t colour,
-              int mode, Admit admit) {
+void walkline(toolkit& t, long long x1, long long y1, long long x2, long long y2, range rows, uint32_t colour, int mode,
+              Admit admit) {
     long long dx = x2 - x1, dy = y2 - y1;
     if (dx + dy < 0) {
         std::swap(x1, x2);
@@ -96,7 +96,8 @@ void drawline(toolkit& t, int x1, int y1, int x2, int y2, uint32_t colour, int m
     if (!t.colourbuffer) return;
     if (y1 == y2) return drawrow(t, std::min(x1, x2), std::max(x1, x2), y1, colour, mode);
     if (x1 == x2) return drawcolumn(t, x1, std::min(y1, y2), std::max(y1, y2), colour, mode);
-    walkline(t, x1, y1, x2, y2, {t.cliprect[1], t.cliprect[3]}, colour, mode, [](long long, long long) { return true; });
+    walkline(t, x1, y1, x2, y2, {t.cliprect[1], t.cliprect[3]}, colour, mode,
+             [](long long, long long) { return true; });
 }
 
 // The rows are also limited to the mask's, so every row the walk reaches has a row of the mask.
@@ -132,7 +133,7 @@ JNIEXPORT void JNICALL Java_ja_YA(JNIEnv* env, jobject, jint x1, jint y1, jint x
 }
 
 JNIEXPORT void JNICALL Java_ja_R(JNIEnv* env, jobject, jint x1, jint y1, jint x2, jint y2, jint colour, jint mode,
-                                jobject mask, jint maskx, jint masky) {
+                                 jobject mask, jint maskx, jint masky) {
     runexport(env, [&] {
         const spanmask& m = *getpeer<spanmask>(env, hostclass::wa, mask);
         drawmaskedline(*currenttoolkit, x1, y1, x2, y2, static_cast<uint32_t>(colour), mode, m, maskx, masky);

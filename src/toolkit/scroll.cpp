@@ -11,8 +11,10 @@ void scrolltarget(toolkit& t, int dx, int dy) {
     if (n == 0 || n >= total || -n >= total) return;
     auto move = [&](void* buffer) {
         auto* b = static_cast<uint32_t*>(buffer);
-        if (n < 0) memmove(b, b - n, static_cast<size_t>(total + n) * 4);
-        else memmove(b + n, b, static_cast<size_t>(total - n) * 4);
+        if (n < 0)
+            memmove(b, b - n, static_cast<size_t>(total + n) * 4);
+        else
+            memmove(b + n, b, static_cast<size_t>(total - n) * 4);
     };
     if (t.colourbuffer) move(t.colourbuffer);
     if (t.depthbuffer) move(t.depthbuffer);

@@ -8,8 +8,8 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
-#include <string>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "target.h"
@@ -68,8 +68,9 @@ void expectdisc(testtarget& g, int x, int y, int radius, float z, uint32_t colou
         }
     drawdisc(g.t, x, y, radius, z, colour, mode);
     int i = firstdifference(g, expected);
-    ASSERT_EQ(i, -1) << "disc " << x << "," << y << " radius " << radius << " mode " << mode << " pixel " << i % g.t.width << "," << i / g.t.width << std::hex << " "
-                     << g.colour[i] << " expected " << expected[i];
+    ASSERT_EQ(i, -1) << "disc " << x << "," << y << " radius " << radius << " mode " << mode << " pixel "
+                     << i % g.t.width << "," << i / g.t.width << std::hex << " " << g.colour[i] << " expected "
+                     << expected[i];
 }
 
 std::vector<std::string> picture(int radius) {
@@ -91,9 +92,9 @@ TEST(disc, smallradii) {
     EXPECT_EQ(picture(0), (std::vector<std::string>{".......#......."}));
     EXPECT_EQ(picture(1), (std::vector<std::string>(3, "......###......")));
     EXPECT_EQ(picture(2), (std::vector<std::string>(5, ".....#####.....")));
-    EXPECT_EQ(picture(3), (std::vector<std::string>{".....#####.....", "....#######....", "....#######....",
-                                                    "....#######....", "....#######....", "....#######....",
-                                                    ".....#####....."}));
+    EXPECT_EQ(picture(3),
+              (std::vector<std::string>{".....#####.....", "....#######....", "....#######....", "....#######....",
+                                        "....#######....", "....#######....", ".....#####....."}));
     EXPECT_EQ(picture(-3), picture(3));
 }
 
@@ -103,7 +104,8 @@ TEST(disc, matchesthestepwisewalk) {
     testrng rng(3);
     for (bool depth : {false, true}) {
         testtarget g(40, 30, depth);
-        const std::array<std::array<int, 4>, 4> clips = {{{0, 0, 40, 30}, {3, 5, 31, 22}, {10, 12, 11, 13}, {20, 20, 10, 10}}};
+        const std::array<std::array<int, 4>, 4> clips = {
+            {{0, 0, 40, 30}, {3, 5, 31, 22}, {10, 12, 11, 13}, {20, 20, 10, 10}}};
         int mode = 0;
         for (auto [l, tp, r, b] : clips) {
             setcliprect(g.t, l, tp, r, b);

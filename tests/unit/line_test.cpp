@@ -26,11 +26,13 @@ std::vector<point> linepoints(long long x1, long long y1, long long x2, long lon
     std::vector<point> out;
     long long dx = x2 - x1, dy = y2 - y1;
     if (dy == 0) {
-        for (long long x = std::max(std::min(x1, x2), lo); x <= std::min(std::max(x1, x2), hi); ++x) out.push_back({x, y1});
+        for (long long x = std::max(std::min(x1, x2), lo); x <= std::min(std::max(x1, x2), hi); ++x)
+            out.push_back({x, y1});
         return out;
     }
     if (dx == 0) {
-        for (long long y = std::max(std::min(y1, y2), lo); y <= std::min(std::max(y1, y2), hi); ++y) out.push_back({x1, y});
+        for (long long y = std::max(std::min(y1, y2), lo); y <= std::min(std::max(y1, y2), hi); ++y)
+            out.push_back({x1, y});
         return out;
     }
     if (dx + dy < 0) {
@@ -65,8 +67,9 @@ void expectline(testtarget& g, int x1, int y1, int x2, int y2, uint32_t colour, 
         if (g.insideclip(x, y)) expected[y * g.t.width + x] = ruledpixel(mode, expected[y * g.t.width + x], colour);
     drawline(g.t, x1, y1, x2, y2, colour, mode);
     int i = firstdifference(g, expected);
-    ASSERT_EQ(i, -1) << "line " << x1 << "," << y1 << " " << x2 << "," << y2 << " mode " << mode << " pixel " << i % g.t.width << "," << i / g.t.width << std::hex << " "
-                     << g.colour[i] << " expected " << expected[i];
+    ASSERT_EQ(i, -1) << "line " << x1 << "," << y1 << " " << x2 << "," << y2 << " mode " << mode << " pixel "
+                     << i % g.t.width << "," << i / g.t.width << std::hex << " " << g.colour[i] << " expected "
+                     << expected[i];
 }
 
 std::set<point> linepixels(int x1, int y1, int x2, int y2) {

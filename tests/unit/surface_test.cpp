@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "sprite/sprite.h"
 #include "target.h"
 #include "toolkit/copy.h"
@@ -37,7 +40,8 @@ TEST(offscreen, spritesizerulesandnothingiscleared) {
     EXPECT_EQ(rasterstate.targetstride, 6);
     EXPECT_EQ(rasterstate.targetcolour, o.pixels.get());
     EXPECT_EQ(rasterstate.targetdepth, o.depth->buffer);
-    EXPECT_EQ((std::array{g.t.cliprect[0], g.t.cliprect[1], g.t.cliprect[2], g.t.cliprect[3]}), (std::array{0, 0, 6, 4}));
+    EXPECT_EQ((std::array{g.t.cliprect[0], g.t.cliprect[1], g.t.cliprect[2], g.t.cliprect[3]}),
+              (std::array{0, 0, 6, 4}));
     EXPECT_EQ(rasterstate.rasterclip[2], 6);
     EXPECT_EQ(rasterstate.viewport[3], 4);
     EXPECT_EQ(rasterstate.depthrange[0], 0.25f);
@@ -116,6 +120,49 @@ TEST(copy, flagsdropwhenthetargetlacksthebuffer) {
     g.depth[5] = 3.0f;
     copytargetblock(g.t, nullptr, o.depth, 1, 1, 1, 1, 1, 1, true, true, copyway::fromtarget);
     EXPECT_EQ(o.depth->buffer[5], 3.0f);
+}
+
+// Random blocks that lie inside both sides, both ways, against a plain element loop; the fences of
+// all four buffers must stay as they were.
+TEST(copy, randomblocksinsidebothsides) {
+    testrng rng(41);
+    for (int round = 0; round < 20; ++round) {
+        const int tw = 1 + rng() % 33, th = 1 + rng() % 17, sw = 1 + rng() % 33, sh = 1 + rng() % 17;
+        testtarget g(tw, th, true);
+        offscreen o(sw, sh, sw, sh);
+        for (int i = 0; i < 300; ++i) {
+            const int w = 1 + static_cast<int>(rng() % std::min(tw, sw));
+            const int h = 1 + static_cast<int>(rng() % std::min(th, sh));
+            const int sx = rng() % (tw - w + 1), sy = rng() % (th - h + 1);
+            const int dx = rng() % (sw - w + 1), dy = rng() % (sh - h + 1);
+            const bool colour = rng() % 2, depth = rng() % 2;
+            const copyway way = rng() % 2 ? copyway::fromtarget : copyway::totarget;
+            for (int k = 0; k < g.pixels(); ++k) g.colour[k] = rng(), g.depth[k] = static_cast<float>(rng() % 1000);
+            for (int k = 0; k < sw * sh; ++k)
+                o.pixels[k] = rng(), o.depth->buffer[k] = static_cast<float>(rng() % 1000);
+            std::vector<uint32_t> tc(g.colour.get(), g.colour.get() + g.pixels());
+            std::vector<uint32_t> oc(o.pixels.get(), o.pixels.get() + sw * sh);
+            std::vector<float> td(g.depth.get(), g.depth.get() + g.pixels());
+            std::vector<float> od(o.depth->buffer, o.depth->buffer + sw * sh);
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x) {
+                    int a = (sy + y) * tw + sx + x, b = (dy + y) * sw + dx + x;
+                    if (way == copyway::fromtarget) {
+                        if (colour) oc[b] = tc[a];
+                        if (depth) od[b] = td[a];
+                    } else {
+                        if (colour) tc[a] = oc[b];
+                        if (depth) td[a] = od[b];
+                    }
+                }
+            copytargetblock(g.t, &o.image, o.depth, sx, sy, w, h, dx, dy, colour, depth, way);
+            ASSERT_TRUE(
+                std::equal(tc.begin(), tc.end(), g.colour.get()) && std::equal(oc.begin(), oc.end(), o.pixels.get()) &&
+                std::equal(td.begin(), td.end(), g.depth.get()) && std::equal(od.begin(), od.end(), o.depth->buffer))
+                << "round " << round << " block " << i;
+        }
+        ASSERT_TRUE(g.colour.intact() && g.depth.intact() && o.pixels.intact());
+    }
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 
 #include "guarded.h"
 #include "toolkit/blend.h"
-#include "util/exception.h"
 #include "toolkit/toolkit.h"
+#include "util/exception.h"
 
 struct testtarget {
     guarded<uint32_t> colour;
@@ -24,8 +24,8 @@ struct testtarget {
     uint32_t& at(int x, int y) { return colour[static_cast<size_t>(y) * t.width + x]; }
     int pixels() const { return t.width * t.height; }
     bool insideclip(long long x, long long y) const {
-        return x >= t.cliprect[0] && x < t.cliprect[2] && y >= t.cliprect[1] && y < t.cliprect[3] && x >= 0 &&
-               y >= 0 && x < t.width && y < t.height;
+        return x >= t.cliprect[0] && x < t.cliprect[2] && y >= t.cliprect[1] && y < t.cliprect[3] && x >= 0 && y >= 0 &&
+               x < t.width && y < t.height;
     }
 };
 
