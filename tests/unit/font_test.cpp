@@ -1,6 +1,6 @@
 // The draw entries of the three font classes: which form each class and entry takes, and a
 // seeded fuzz of every entry against the plain reference, into a guarded target.
-// One fuzz case alone: WEXEL_FONT_FUZZ_CASE=<n> ./unit_tests --gtest_filter='font.fuzz*'
+// One fuzz case alone: WEXEL_FUZZ_CASE=<n> ./unit_tests --gtest_filter='font.fuzz*'
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -198,7 +198,7 @@ void fuzzcase(uint64_t seed) {
 }
 
 TEST(font, fuzzeveryentryagainstthereference) {
-    if (const char* one = getenv("WEXEL_FONT_FUZZ_CASE")) {
+    if (const char* one = getenv("WEXEL_FUZZ_CASE")) {
         fuzzcase(strtoull(one, nullptr, 10));
         return;
     }
