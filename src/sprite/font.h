@@ -1,0 +1,25 @@
+// A set of glyph bitmaps that the host hands over once and then draws one glyph at a time; the
+// peer of the host's ea, m and ia. Its tables and glyph bytes live in the toolkit's pool.
+#pragma once
+#include <jni.h>
+
+#include <cstdint>
+
+#include "sprite/glyphdraw.h"
+#include "util/memory/allocatedmemory.h"
+#include "util/memory/handlearray.h"
+
+struct toolkit;
+
+struct font {
+    toolkit* owner;  // the toolkit whose pool owns the blocks
+    handlearray<jbyte> glyphs;
+    allocatedmemory<jint> palette;  // colours by byte value; palette fonts only
+    allocatedmemory<jint> widths, heights, tops, lefts;
+
+    font(toolkit* owner, int count) : owner(owner), glyphs(count) {}
+
+    // Glyph `index` as the tables describe it. False, so that nothing is drawn, for an index the
+    // font or one of its tables does not hold, or a glyph with fewer bytes than its size needs.
+    bool find(int index, glyph& out) const;
+};
