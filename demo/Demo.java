@@ -10,10 +10,19 @@ import javax.imageio.ImageIO;
 // Renders the test card into a PNG file and, where a display exists, shows it in a window.
 // usage: Demo OUTPUT.png [SECONDS]
 public class Demo {
-    static final int WIDTH = 640, HEIGHT = 480;
+    static final int WIDTH = 960, HEIGHT = 720;
+
+    final ja tk;
+    final ba pool = new ba();
+
+    Demo(ja tk) {
+        this.tk = tk;
+        pool.sa(0, 1 << 20);
+        tk.n(pool);
+    }
 
     // A grey-to-colour gradient under rows of the three write modes, and shapes cut by the clip.
-    static void testcard(ja tk) {
+    void rectangles() {
         tk.ba(3, 0xFF000000);
         for (int x = 0; x < WIDTH; ++x) {
             int v = x * 255 / (WIDTH - 1);
@@ -21,18 +30,179 @@ public class Demo {
         }
         int[] colours = {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0xFFFFFFFF, 0xFF000000, 0xFFFFFF00};
         for (int i = 0; i < colours.length; ++i) {
-            int x = 20 + i * 100;
-            tk.B(x, 20, 80, 60, colours[i], 0);
-            for (int a = 0; a < 8; ++a) tk.B(x + a * 10, 100, 10, 60, colours[i] & 0xFFFFFF | (a * 36) << 24, 1);
-            tk.B(x, 180, 80, 60, colours[i] & 0x606060 | 0x80000000, 2);
+            int x = 10 + i * 50;
+            tk.B(x, 10, 40, 30, colours[i], 0);
+            for (int a = 0; a < 8; ++a) tk.B(x + a * 5, 45, 5, 30, colours[i] & 0xFFFFFF | (a * 36) << 24, 1);
+            tk.B(x, 80, 40, 30, colours[i] & 0x606060 | 0x80000000, 2);
         }
-        tk.r(40, 270, 600, 460);
-        tk.B(20, 260, 200, 80, 0xC0FFFFFF, 1);
-        tk.o(0, 0, 560, 440);
-        tk.B(400, 300, 400, 400, 0xFF202020, 0);
-        tk.B(250, 350, 200, 200, 0x80FF8000, 2);
+        tk.r(20, 120, 300, 200);
+        tk.B(0, 110, 200, 60, 0xC0FFFFFF, 1);
+        tk.o(0, 0, 280, 190);
+        tk.B(150, 140, 400, 400, 0xFF202020, 0);
+        tk.B(100, 160, 100, 100, 0x80FF8000, 2);
         tk.L();
-        for (int i = 0; i < 16; ++i) tk.B(30 + i * 36, 380, 30, 30, 0xFF000000 | i * 0x101010, 0);
+    }
+
+    // A round image with soft edges: alpha falls off towards the rim.
+    static int[] ball(int size) {
+        int[] p = new int[size * size];
+        float c = (size - 1) / 2f;
+        for (int y = 0; y < size; ++y)
+            for (int x = 0; x < size; ++x) {
+                float d = (float) Math.hypot(x - c, y - c) / c;
+                int a = d >= 1 ? 0 : (int) (255 * Math.min(1, (1 - d) * 3));
+                int r = 255 - x * 255 / size, g = y * 255 / size, b = 160;
+                p[y * size + x] = a << 24 | r << 16 | g << 8 | b;
+            }
+        return p;
+    }
+
+    static fa sprite(ja tk, int[] pixels, int size) {
+        fa s = new fa();
+        s.RA(tk, pixels, 0, size, size, size, false);
+        return s;
+    }
+
+    // The fifteen tint and write pairs, tiled and scaled sprites, and a depth-tested scale.
+    void sprites(fa ball) {
+        int[] tintcolours = {0xFF80C0FF, 0, 0x40FF2000, 0xFF303030, 0xFF606060};
+        for (int tint = 0; tint < 5; ++tint)
+            for (int blend = 0; blend < 3; ++blend)
+                ball.Y(ball.nativeid, 330 + tint * 36, 10 + blend * 36, tint, tintcolours[tint], blend);
+        ball.U(ball.nativeid, 2, 2, 2, 2);
+        ball.aa(ball.nativeid, 520, 10, 150, 100, 1, 0, 1);
+        ball.U(ball.nativeid, 0, 0, 0, 0);
+        ball.ha(ball.nativeid, 690, 10, 120, 60, 1, 0, 1);
+        ball.ha(ball.nativeid, 820, 10, 24, 100, 0, 0xFFFFFF00, 1);
+        ball.ha(ball.nativeid, 850, 10, 100, 24, 3, 0xFF400000, 2);
+        ball.G(ball.nativeid, 690, 75, 0, 120, 40, 1, 0, 1);
+    }
+
+    // A mask shaped like a disc of the given radius.
+    wa discmask(int radius) {
+        int rows = 2 * radius;
+        int[] offsets = new int[rows], widths = new int[rows];
+        for (int r = 0; r < rows; ++r) {
+            double y = r + 0.5 - radius;
+            int half = (int) Math.sqrt(Math.max(0, radius * radius - y * y));
+            offsets[r] = radius - half;
+            widths[r] = 2 * half;
+        }
+        wa mask = new wa();
+        mask.l(null, pool, rows, rows, offsets, widths);
+        return mask;
+    }
+
+    // Lines in every direction and all modes, discs, a mask fill and lines through a mask.
+    void shapes(wa mask) {
+        int cx = 90, cy = 300;
+        for (int i = 0; i < 48; ++i) {
+            double a = i * Math.PI / 24;
+            int mode = i % 3, colour = mode == 0 ? 0xFFFFFFFF : mode == 1 ? 0x80FFFF00 : 0x4000FFFF;
+            tk.YA(cx, cy, cx + (int) (75 * Math.cos(a)), cy + (int) (75 * Math.sin(a)), colour, mode);
+        }
+        for (int i = 0; i < 8; ++i) {
+            tk.XA(180, 230 + i * 4, 120, 0xFF000000 | i * 0x1F1F1F, 0);
+            tk.G(180 + i * 4, 270, 60, 0xFFFF00FF, 1);
+        }
+        int[] radii = {2, 6, 12, 20, 30};
+        for (int i = 0; i < radii.length; ++i) {
+            tk.CA(340 + i * 60, 260, radii[i], 0xFFFF4040, 0);
+            tk.CA(340 + i * 60, 320, radii[i], 0x8040FF40, 1);
+            tk.CA(340 + i * 60 + 10, 320, radii[i], 0x404040FF, 2);
+        }
+        tk.DA(0xFF2040A0, mask, 640, 230);
+        for (int i = 0; i < 20; ++i) tk.R(630, 230 + i * 8, 720, 300 - i * 3, 0xFFFFFFFF, 0, mask, 640, 230);
+        tk.DA(0xFFA02040, mask, 740, 230);
+    }
+
+    // Glyphs of a small capital font, five by seven, '#' set and '.' clear.
+    static final String LETTERS = "ADEFLNORSTWX";
+    static final String[] SHAPES = {
+        ".###.#...##...#######...##...##...#", "####.#...##...##...##...##...#####.", "######....#....####.#....#....#####",
+        "######....#....####.#....#....#....", "#....#....#....#....#....#....#####", "#...###..##.#.##..###...##...##...#",
+        ".###.#...##...##...##...##...#.###.", "####.#...##...#####.#.#..#..#.#...#", ".#####....#.....###.....#....#####.",
+        "#####..#....#....#....#....#....#..", "#...##...##...##.#.##.#.##.#.#.#.#.", "#...##...#.#.#...#...#.#.#...##...#"};
+
+    // The font's glyph bytes at twice the size: coverage 255 inside, softer at the corners.
+    static byte[][] glyphs(int mode) {
+        byte[][] g = new byte[LETTERS.length()][];
+        for (int i = 0; i < g.length; ++i) {
+            g[i] = new byte[10 * 14];
+            for (int y = 0; y < 14; ++y)
+                for (int x = 0; x < 10; ++x) {
+                    boolean on = SHAPES[i].charAt((y / 2) * 5 + x / 2) == '#';
+                    int value = !on ? 0 : mode == 0 ? ((x + y) % 2 == 0 ? 255 : 160) : mode == 1 ? 1 : 1 + y / 2;
+                    g[i][y * 10 + x] = (byte) value;
+                }
+        }
+        return g;
+    }
+
+    static int[] fill(int n, int value) {
+        int[] a = new int[n];
+        java.util.Arrays.fill(a, value);
+        return a;
+    }
+
+    static int glyph(char c) {
+        return LETTERS.indexOf(c);
+    }
+
+    // Text in the three font classes, plain, turned by a quarter and through a mask.
+    void text(wa mask) {
+        int n = LETTERS.length();
+        int[] widths = fill(n, 10), heights = fill(n, 14), lefts = fill(n, 0), tops = fill(n, -14);
+        ea coverage = new ea();
+        coverage.n(null, tk, glyphs(0), widths, heights, lefts, tops);
+        m mono = new m();
+        mono.n(null, tk, glyphs(1), widths, heights, lefts, tops);
+        ia palette = new ia();
+        int[] colours = new int[9];
+        for (int i = 1; i < 9; ++i) colours[i] = 0xFF000000 | (255 - i * 20) << 16 | i * 30 << 8 | 255;
+        palette.EA(null, tk, glyphs(2), colours, widths, heights, lefts, tops);
+        String line = "SOFTWARE RENDER";
+        for (int i = 0; i < line.length(); ++i) {
+            int g = glyph(line.charAt(i));
+            if (g < 0) continue;
+            int x = 20 + i * 12;
+            coverage.UA(g, x, 420, 0xFFFFFFFF, 0);
+            mono.UA(g, x, 440, 0xFFFFE000, 0);
+            mono.UA(g, x, 460, 0x80FFFFFF, 0);
+            palette.UA(g, x, 480, 0, false);
+            palette.UA(g, x, 500, 0xFF00FF80, true);
+            coverage.f(g, 220, 400 + i * 12, 0xFF00FFFF, 0);
+            coverage.P(g, 250 + (i % 8) * 12, 425 + (i / 8) * 20, 0xFFFFFFFF, 0, mask, 250, 390);
+        }
+        coverage.ma();
+        mono.ma();
+        palette.ma();
+    }
+
+    // A ring of turned sprites, and one drawn through a mask.
+    void turned(fa ball, wa mask) {
+        int cx = 560, cy = 520, size = 32;
+        for (int i = 0; i < 12; ++i) {
+            double a = i * Math.PI / 6, s = 0.6 + 0.1 * i;
+            float ux = (float) (Math.cos(a) * size * s), uy = (float) (Math.sin(a) * size * s);
+            float x0 = (float) (cx + 110 * Math.cos(a)) - (ux - uy) / 2, y0 = (float) (cy + 110 * Math.sin(a)) - (uy + ux) / 2;
+            ball.e(ball.nativeid, x0, y0, x0 + ux, y0 + uy, x0 - uy, y0 + ux, i % 5, 0x80FFFFFF, i % 3);
+        }
+        ball.e(ball.nativeid, cx + 40, cy - 30, cx - 10, cy + 30, cx - 40, cy - 60, 1, 0, 1);
+        ball.FA(ball.nativeid, 780, 420, 940, 440, 760, 600, 0, mask.nativeid, 800, 450, false);
+    }
+
+    void testcard() {
+        rectangles();
+        fa ball = sprite(tk, ball(32), 32);
+        wa mask = discmask(40), textmask = discmask(50);
+        sprites(ball);
+        shapes(mask);
+        text(textmask);
+        turned(ball, mask);
+        mask.ma(0);
+        textmask.ma(0);
+        ball.M(ball.nativeid);
     }
 
     public static void main(String[] args) throws Exception {
@@ -54,7 +224,8 @@ public class Demo {
         za canvas = new za();
         canvas.n(null, component, WIDTH, HEIGHT);
         tk.PA(canvas);
-        testcard(tk);
+        Demo demo = new Demo(tk);
+        demo.testcard();
 
         BufferedImage image = new BufferedImage(WIDTH, HEIGHT, BufferedImage.TYPE_INT_RGB);
         image.setRGB(0, 0, WIDTH, HEIGHT, tk.E(0, 0, WIDTH, HEIGHT), 0, WIDTH);
@@ -80,6 +251,7 @@ public class Demo {
         }
         tk.PA(null);
         canvas.ma(0);
+        demo.pool.ma(0);
         tk.ma(0);
     }
 }
