@@ -70,30 +70,31 @@ TEST_F(light, shadowcellroundsdowntoapoweroftwoandonlythebyteonemeansfogon) {
 // The fog starts where the point at eye depth far - distance lands on the screen; a new
 // projection or viewport moves it, with the distance and colour already set.
 TEST_F(light, fogfollowsdistanceprojectionandviewport) {
-    // Eye depth 1 maps to 0 and 1000 to 1, with w the eye depth.
-    const float q = 1000.0f / 999.0f;
-    alignas(16) float p[16] = {1.5f, 0, 0, 0, 0, 2.0f, 0, 0, 0, 0, q, 1.0f, 0, 0, -q, 0};
-    struct {
-        float depthscale, near, far;
-        uint32_t colour;
-        int distance;
-        float kept;
-    } cases[] = {{1.0f, 0.0f, 1.0f, 0x80FF0102, 300, 300.0f}, {0.5f, 0.25f, 0.75f, 0, 0, 300.0f},
-                 {0.5f, 0.25f, 0.75f, 0x00FFFFFF, -20, 0.0f}};
-    uint32_t colour = 0;
-    for (auto& c : cases) {
-        setviewport(0, 0, 640, 480, c.near, c.far);
-        p[10] = q * c.depthscale;
-        setprojectionmatrix(t, p);
-        if (c.colour) setfog(t, static_cast<int>(colour = c.colour), c.distance);
-        EXPECT_EQ(t.fogdistance, c.kept);
-        const float point[4] = {0.0f, 0.0f, rasterstate.farplane - t.fogdistance, 1.0f};
+    auto expectfog = [&](uint32_t colour) {
+        const float p[4] = {0.0f, 0.0f, rasterstate.farplane - t.fogdistance, 1.0f};
         float screen[4];
-        referenceproject(point, t.projectionmatrix, screen);
+        referenceproject(p, t.projectionmatrix, screen);
         EXPECT_EQ(bitsof(rasterstate.fogstart), bitsof(screen[2]));
         EXPECT_EQ(bitsof(rasterstate.fogscale), bitsof(1.0f / (1.0f - screen[2])));
         for (int k = 0; k < 4; ++k) EXPECT_EQ(rasterstate.fogcolour[k], static_cast<float>((colour >> 8 * k & 0xFF) * 256));
-    }
+    };
+    // Eye depth 1 maps to 0 and 1000 to 1, with w the eye depth.
+    const float q = 1000.0f / 999.0f;
+    alignas(16) float p[16] = {1.5f, 0, 0, 0, 0, 2.0f, 0, 0, 0, 0, q, 1.0f, 0, 0, -q, 0};
+    setviewport(0, 0, 640, 480, 0.0f, 1.0f);
+    setprojectionmatrix(t, p);
+    setfog(t, static_cast<int>(0x80FF0102), 300);
+    EXPECT_EQ(t.fogdistance, 300.0f);
+    expectfog(0x80FF0102);
+    EXPECT_GT(rasterstate.fogstart, 0.0f);  // eye depth 700 lies between the planes
+    EXPECT_LT(rasterstate.fogstart, 1.0f);
+    setviewport(0, 0, 640, 480, 0.25f, 0.75f);
+    p[10] *= 0.5f;
+    setprojectionmatrix(t, p);
+    expectfog(0x80FF0102);
+    setfog(t, 0x00FFFFFF, -20);
+    EXPECT_EQ(t.fogdistance, 0.0f);
+    expectfog(0x00FFFFFF);
 }
 
 // The shade colour shares the toolkit's fog colour word but has its own raster form. The
