@@ -1,6 +1,7 @@
 // Sun, point lights, shadow cell, fog and shade colour as the setters leave them.
 #include "toolkit/light.h"
 
+#include <algorithm>
 #include <climits>
 
 #include "projectionreference.h"
@@ -14,20 +15,19 @@ int truncated(float v) { return std::fabs(v) < 2147483648.0f ? static_cast<int>(
 
 class light : public statetest {};
 
+// The direction is divided by a correctly rounded length, not an approximate reciprocal one.
 TEST_F(light, sunisnormalisedwithacorrectlyroundedlength) {
     setsun(t, 0x7F102030, 0.25f, 0.75f, 3.0f, -4.0f, 12.0f);
     EXPECT_EQ(t.suncolour[0] << 16 | t.suncolour[1] << 8 | t.suncolour[2], 0x102030);
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 200 && !HasFailure(); ++round) {
         float x = randomfloat(), y = randomfloat(), z = randomfloat();
         setsun(t, 0, 0, 0, x, y, z);
-        float f = 1.0f / std::sqrt(x * x + y * y + z * z);
-        float dir[3] = {f * x, f * y, f * z};
-        for (int k = 0; k < 3; ++k) ASSERT_EQ(bitsof(dir[k]), bitsof(t.sundirection[k]));
-        ASSERT_EQ(t.shadowslopex, truncated(dir[0] * 256.0f / dir[1]));
-        ASSERT_EQ(t.shadowslopez, truncated(dir[2] * 256.0f / dir[1]));
+        float f = 1.0f / std::sqrt(x * x + y * y + z * z), dir[3] = {f * x, f * y, f * z};
+        for (int k = 0; k < 3; ++k) EXPECT_EQ(bitsof(dir[k]), bitsof(t.sundirection[k]));
+        EXPECT_EQ(t.shadowslopex, truncated(dir[0] * 256.0f / dir[1]));
+        EXPECT_EQ(t.shadowslopez, truncated(dir[2] * 256.0f / dir[1]));
     }
-    // A level sun divides by zero.
-    setsun(t, 0, 0, 0, 1.0f, 0.0f, 0.0f);
+    setsun(t, 0, 0, 0, 1.0f, 0.0f, 0.0f);  // a level sun divides by zero
     EXPECT_EQ(t.shadowslopex, INT_MIN);
 }
 
@@ -35,12 +35,11 @@ TEST_F(light, pointlightskeepfourclamptheintensityandwraptheradiussquared) {
     int lights[6][5];
     for (int i = 0; i < 6; ++i) {
         const int values[5] = {-100 * i, 7 + i, 1 << (20 + i), i == 3 ? 70000 : 30 + i, 0x01020304 * (i + 1)};
-        for (int k = 0; k < 5; ++k) lights[i][k] = values[k];
+        std::copy(values, values + 5, lights[i]);
     }
-    const float intensities[6] = {2.5f, 0.5f, 1.0f, 0.3f, 0.7f, 0.9f};
+    const float intensities[6] = {2.5f, 0.5f, 1.0f, 0.3f, 0.7f, 0.9f}, k[4] = {1.0f, 0.5f, 1.0f, 0.3f};
     setpointlights(t, 6, lights[0], intensities);
     ASSERT_EQ(t.lightcount, 4);
-    const float k[4] = {1.0f, 0.5f, 1.0f, 0.3f};
     for (int i = 0; i < 4; ++i) {
         for (int axis = 0; axis < 3; ++axis) EXPECT_EQ(t.lightposition[i][axis], static_cast<float>(lights[i][axis]));
         // 70000 squared wraps to 605,032,704.
@@ -54,16 +53,13 @@ TEST_F(light, pointlightskeepfourclamptheintensityandwraptheradiussquared) {
     EXPECT_EQ(t.lightcount, -3);
 }
 
-TEST_F(light, shadowcellroundsdowntoapoweroftwo) {
+TEST_F(light, shadowcellroundsdowntoapoweroftwoandonlythebyteonemeansfogon) {
     const int cases[][3] = {{9, 8, 3}, {8, 8, 3}, {0, 1, 0}, {1, 1, 0}, {3, 2, 1}, {-7, 1, 0}, {INT_MAX, 1 << 30, 30}};
     for (const auto& c : cases) {
         setshadowcell(t, c[0]);
         EXPECT_EQ(t.shadowcell, c[1]) << c[0];
         EXPECT_EQ(t.shadowshift, c[2]) << c[0];
     }
-}
-
-TEST_F(light, onlythebyteonemeansfogon) {
     for (uint8_t value : {0, 1, 2, 255}) {
         setfogenabled(t, value);
         EXPECT_EQ(t.fogenabled, value == 1);
@@ -71,37 +67,34 @@ TEST_F(light, onlythebyteonemeansfogon) {
     }
 }
 
-// The fog starts where the point at eye depth far - distance lands on the screen.
-void expectfogfor(const toolkit& t, uint32_t colour) {
-    const float p[4] = {0.0f, 0.0f, rasterstate.farplane - t.fogdistance, 1.0f};
-    float screen[4];
-    referenceproject(p, t.projectionmatrix, screen);
-    EXPECT_EQ(bitsof(rasterstate.fogstart), bitsof(screen[2]));
-    EXPECT_EQ(bitsof(rasterstate.fogscale), bitsof(1.0f / (1.0f - screen[2])));
-    for (int k = 0; k < 4; ++k) EXPECT_EQ(rasterstate.fogcolour[k], static_cast<float>((colour >> (8 * k) & 0xFF) * 256));
-}
-
+// The fog starts where the point at eye depth far - distance lands on the screen; a new
+// projection or viewport moves it, with the distance and colour already set.
 TEST_F(light, fogfollowsdistanceprojectionandviewport) {
+    auto expectfog = [&](uint32_t colour) {
+        const float p[4] = {0.0f, 0.0f, rasterstate.farplane - t.fogdistance, 1.0f};
+        float screen[4];
+        referenceproject(p, t.projectionmatrix, screen);
+        EXPECT_EQ(bitsof(rasterstate.fogstart), bitsof(screen[2]));
+        EXPECT_EQ(bitsof(rasterstate.fogscale), bitsof(1.0f / (1.0f - screen[2])));
+        for (int k = 0; k < 4; ++k) EXPECT_EQ(rasterstate.fogcolour[k], static_cast<float>((colour >> 8 * k & 0xFF) * 256));
+    };
     // Eye depth 1 maps to 0 and 1000 to 1, with w the eye depth.
     const float q = 1000.0f / 999.0f;
     alignas(16) float p[16] = {1.5f, 0, 0, 0, 0, 2.0f, 0, 0, 0, 0, q, 1.0f, 0, 0, -q, 0};
     setviewport(0, 0, 640, 480, 0.0f, 1.0f);
     setprojectionmatrix(t, p);
-    setfog(t, 0x80FF0102, 300);
+    setfog(t, static_cast<int>(0x80FF0102), 300);
     EXPECT_EQ(t.fogdistance, 300.0f);
-    expectfogfor(t, 0x80FF0102);
-    EXPECT_GT(rasterstate.fogstart, 0.0f);
+    expectfog(0x80FF0102);
+    EXPECT_GT(rasterstate.fogstart, 0.0f);  // eye depth 700 lies between the planes
     EXPECT_LT(rasterstate.fogstart, 1.0f);
-
-    // A new projection moves the start, with the distance and colour already set.
     setviewport(0, 0, 640, 480, 0.25f, 0.75f);
     p[10] *= 0.5f;
     setprojectionmatrix(t, p);
-    expectfogfor(t, 0x80FF0102);
-
+    expectfog(0x80FF0102);
     setfog(t, 0x00FFFFFF, -20);
     EXPECT_EQ(t.fogdistance, 0.0f);
-    expectfogfor(t, 0x00FFFFFF);
+    expectfog(0x00FFFFFF);
 }
 
 // The shade colour shares the toolkit's fog colour word but has its own raster form. The
@@ -115,8 +108,6 @@ TEST_F(light, shadeandoverride) {
     const float shade[4] = {0x20 * 256.0f, 0x40 * 256.0f, 0x80 * 256.0f, 0xFF * 256.0f};
     for (int k = 0; k < 4; ++k) EXPECT_EQ(rasterstate.shadecolour[k], shade[k]);
     EXPECT_EQ(rasterstate.fogcolour[0], 0xAA * 256.0f);
-
-    setfog(t, 0x0000AA, 100);
     overrideshade(t, 10, 0x0000BB, 20);
     overrideshade(t, 30, 0x0000CC, 40);
     EXPECT_EQ(t.fogoverride, 1);
