@@ -27,7 +27,7 @@ class ShapesTest {
     }
 
     @Test
-    void aninvalidmoderaisesonlywherethepartssay() {
+    void aninvalidmoderaisesonlyforwhatliesintheclip() {
         try (Scene s = new Scene(8, 8)) {
             s.toolkit.r(2, 2, 6, 6);
             assertThrows(IllegalArgumentException.class, () -> s.toolkit.YA(0, 0, 1, 7, 0, 3));

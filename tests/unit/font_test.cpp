@@ -40,12 +40,6 @@ struct testfont {
     }
 };
 
-glyphreference::target snapshot(const testtarget& g) {
-    glyphreference::target r{{g.colour.get(), g.colour.get() + g.pixels()}, g.t.width, g.t.height, {}};
-    std::copy(g.t.cliprect, g.t.cliprect + 4, r.clip);
-    return r;
-}
-
 // Draws through the entry and through the reference on the same start; true when they agree.
 struct fontscene {
     testtarget target;
@@ -56,7 +50,9 @@ struct fontscene {
 
     ::testing::AssertionResult same(fontkind kind, entry e, int index, int x, int y, uint32_t colour, bool mono,
                                     const spanmask* mask = nullptr, int maskx = 0, int masky = 0) {
-        glyphreference::target expected = snapshot(target);
+        const int* c = target.t.cliprect;
+        glyphreference::target expected{{target.colour.get(), target.colour.get() + target.pixels()}, target.t.width,
+                                        target.t.height, {c[0], c[1], c[2], c[3]}};
         glyphreference::mask rm{{}, {}, maskx, masky};
         glyphmask m{nullptr, nullptr, 0, maskx, masky};
         if (mask) {
@@ -76,14 +72,12 @@ struct fontscene {
 };
 
 // One 3 by 2 glyph, all set, a row below the pen.
-glyphreference::font smallfont() {
-    return {{{9, 9, 9, 9, 9, 9}}, {}, {3}, {2}, {1}, {0}};
-}
+const glyphreference::font smallfont{{{9, 9, 9, 9, 9, 9}}, {}, {3}, {2}, {1}, {0}};
 
 // A mono glyph of no opacity is skipped when plain, blended at 255 / 256 through a mask (alpha
 // cleared), and stored when turned.
 TEST(font, monoopacityzerodependsontheentry) {
-    fontscene s(8, 8, smallfont());
+    fontscene s(8, 8, smallfont);
     for (int i = 0; i < 64; ++i) s.target.colour[i] = 0xFFC8C8C8u;
     testmask mask;
     mask.set({0, 0, 0, 0, 0, 0, 0, 0}, {8, 8, 8, 8, 8, 8, 8, 8});
@@ -98,7 +92,7 @@ TEST(font, monoopacityzerodependsontheentry) {
 // With the clip's left at 2, a mask span at mask column 1 lands on buffer column 3 for a coverage
 // glyph, but on column 1, left of the clip, for an opaque mono glyph.
 TEST(font, maskspanscountfromtheclipleftbutforopaquemono) {
-    fontscene s(10, 4, smallfont());
+    fontscene s(10, 4, smallfont);
     for (int i = 0; i < 40; ++i) s.target.colour[i] = 0;
     setcliprect(s.target.t, 2, 0, 10, 4);
     testmask mask;
@@ -107,8 +101,6 @@ TEST(font, maskspanscountfromtheclipleftbutforopaquemono) {
     EXPECT_EQ(s.target.at(3, 0), 0x00000008u);  // (255 * 9) >> 8
     EXPECT_EQ(s.target.at(2, 0), 0u);
     EXPECT_TRUE(s.same(fontkind::mono, entry::masked, 0, 1, 1, 0xFF00FF00, false, &mask.mask));
-    EXPECT_EQ(s.target.at(2, 2), 0u);
-    EXPECT_TRUE(s.same(fontkind::mono, entry::masked, 0, 0, 1, 0xFF00FF00, false, &mask.mask));
     EXPECT_EQ(s.target.at(2, 2), 0u);
     mask.set({2, 2, 2, 2}, {1, 1, 1, 1});
     EXPECT_TRUE(s.same(fontkind::mono, entry::masked, 0, 1, 1, 0xFF00FF00, false, &mask.mask));
@@ -146,12 +138,9 @@ glyphreference::font randomfont(testrng& rng) {
 
 // Mostly over the target, sometimes far beside it, now and then at the ends of the range.
 int randomposition(testrng& rng, int extent) {
-    switch (rng() % 32) {
-    case 0: return INT_MIN + static_cast<int>(rng() % 8);
-    case 1: return INT_MAX - static_cast<int>(rng() % 8);
-    case 2: case 3: case 4: return static_cast<int>(rng() % (extent + 60)) - 30;
-    default: return static_cast<int>(rng() % (extent + 4)) - 4;
-    }
+    const uint32_t pick = rng() % 32, offset = rng() % 8;
+    if (pick < 2) return pick ? INT_MAX - static_cast<int>(offset) : INT_MIN + static_cast<int>(offset);
+    return pick < 5 ? static_cast<int>(rng() % (extent + 60)) - 30 : static_cast<int>(rng() % (extent + 4)) - 4;
 }
 
 // Clips as the host can leave them: the whole target, a part of it, or cut to the target on each
@@ -160,11 +149,9 @@ void randomclip(testtarget& g, testrng& rng) {
     int w = g.t.width, h = g.t.height;
     auto pick = [&](int extent) { return static_cast<int>(rng() % (extent + 20)) - 10; };
     int l = std::max(pick(w), 0), t = std::max(pick(h), 0), r = std::min(pick(w), w), b = std::min(pick(h), h);
-    switch (rng() % 4) {
-    case 0: case 1: l = 0, t = 0, r = w, b = h; break;
-    case 2: std::tie(l, r) = std::minmax(l, r), std::tie(t, b) = std::minmax(t, b); break;
-    default: break;
-    }
+    const uint32_t shape = rng() % 4;
+    if (shape < 2) l = 0, t = 0, r = w, b = h;
+    else if (shape == 2) std::tie(l, r) = std::minmax(l, r), std::tie(t, b) = std::minmax(t, b);
     setcliprect(g.t, l, t, r, b);
 }
 

@@ -40,7 +40,7 @@ inline void draw(target& t, const font& f, fontkind kind, entry e, int index, in
     int dx = x + f.lefts[g], dy = y + f.tops[g];
     if (e == entry::masked && m) {
         bool opaquemono = kind == fontkind::mono && a == 255;
-        return maskwalk(t, w, h, dx, dy, *m, opaquemono ? 0 : t.clip[0], paint);
+        return walk(t, w, h, dx, dy, paint, m, opaquemono ? 0 : t.clip[0]);
     }
     if (kind == fontkind::mono && a == 0) return;
     walk(t, w, h, dx, dy, paint);

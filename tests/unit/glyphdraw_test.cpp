@@ -12,7 +12,6 @@
 namespace {
 
 constexpr int clipleft = 3, cliptop = 2, clipright = 13, clipbottom = 9;
-using glyphreference::visitor;
 
 struct scene {
     testrng rng{11};
@@ -66,12 +65,10 @@ TEST(glyphdraw, plainandturnedglyphsacrosseveryclipedge) {
         for (const glyphpaint& paint : s.paints)
             for (int y = cliptop - 14; y <= clipbottom + 1; ++y)
                 for (int x = clipleft - 14; x <= clipright + 1; ++x) {
-                    s.compare(
-                        paint, [&] { drawglyph(s.target.t, s.g, x, y, paint); },
-                        [&](glyphreference::target& r, const visitor& v) { glyphreference::walk(r, w, h, x - 2, y + 1, v); });
-                    s.compare(
-                        paint, [&] { drawglyphturned(s.target.t, s.g, x, y, paint); },
-                        [&](glyphreference::target& r, const visitor& v) { glyphreference::turnwalk(r, w, h, x, y, v); });
+                    s.compare(paint, [&] { drawglyph(s.target.t, s.g, x, y, paint); },
+                              [&](auto& r, const auto& v) { glyphreference::walk(r, w, h, x - 2, y + 1, v); });
+                    s.compare(paint, [&] { drawglyphturned(s.target.t, s.g, x, y, paint); },
+                              [&](auto& r, const auto& v) { glyphreference::turnwalk(r, w, h, x, y, v); });
                 }
     }
 }
@@ -91,11 +88,11 @@ TEST(glyphdraw, masksnarroweachrowtoitsspan) {
                 for (int maskx = -12; maskx <= 12; ++maskx)
                     for (auto [x, y] : {std::pair{4, 4}, {0, 0}, {8, 5}, {-3, 3}, {10, -1}}) {
                         glyphmask m{offsetrows.get(), widthrows.get(), static_cast<int>(offsets.size()), maskx, masky};
-                        s.compare(
-                            paint, [&] { drawglyphmasked(s.target.t, s.g, x, y, paint, m, origin); },
-                            [&](glyphreference::target& r, const visitor& v) {
-                                glyphreference::maskwalk(r, 7, 6, x + 1, y - 1, {offsets, widths, maskx, masky}, origin, v);
-                            });
+                        glyphreference::mask rm{offsets, widths, maskx, masky};
+                        s.compare(paint, [&] { drawglyphmasked(s.target.t, s.g, x, y, paint, m, origin); },
+                                  [&](auto& r, const auto& v) {
+                                      glyphreference::walk(r, 7, 6, x + 1, y - 1, v, &rm, origin);
+                                  });
                     }
 }
 

@@ -36,89 +36,41 @@ struct target {
     int clip[4];  // left, top, right, bottom
 };
 
-// The clip steps as the drawing defines them: a rectangle of w by h at (x, y), the first byte
-// `src`, and the gaps added after each row to the byte and buffer positions.
-struct clipped {
-    long long x, y, w, h, src, srcgap, rowgap;
-};
-
-inline clipped clipsteps(const target& t, int w, int h, int dx, int dy) {
-    clipped c{dx, dy, w, h, 0, 0, t.width - static_cast<long long>(w)};
-    if (c.y < t.clip[1]) {
-        long long k = t.clip[1] - c.y;
-        c.y = t.clip[1];
-        c.h -= k;
-        c.src = k * w;
-    }
-    if (c.y + c.h > t.clip[3]) c.h = t.clip[3] - c.y;
-    if (c.x < t.clip[0]) {
-        long long k = t.clip[0] - c.x;
-        c.x = t.clip[0];
-        c.w -= k;
-        c.src += k;
-        c.srcgap = k;
-        c.rowgap += k;
-    }
-    if (c.x + c.w > t.clip[2]) {
-        long long k = c.x + c.w - t.clip[2];
-        c.w -= k;
-        c.srcgap += k;
-        c.rowgap += k;
-    }
-    return c;
-}
-
-using visitor = std::function<void(long long at, long long src)>;
-
-// Visits the buffer index and byte index of each pixel that the glyph covers inside the clip.
-inline void walk(const target& t, int w, int h, int dx, int dy, const visitor& visit) {
-    clipped c = clipsteps(t, w, h, dx, dy);
-    if (c.w < 1 || c.h < 1) return;
-    long long at = c.y * t.width + c.x, src = c.src;
-    for (long long j = 0; j < c.h; ++j, src += c.srcgap, at += c.rowgap)
-        for (long long i = 0; i < c.w; ++i) visit(at++, src++);
-}
-
 struct mask {
     std::vector<int> offsets, widths;
     int x, y;
 };
 
-// The same walk narrowed to the mask: its rows only, and in each the run that the mask row's
-// span leaves, with the span's columns counted from `origin`.
-inline void maskwalk(const target& t, int w, int h, int dx, int dy, const mask& m, int origin, const visitor& visit) {
-    clipped c = clipsteps(t, w, h, dx, dy);
-    if (c.w < 1 || c.h < 1) return;
-    long long rows = static_cast<long long>(m.offsets.size());
-    long long at = c.y * t.width + c.x, src = c.src;
-    for (long long y = c.y; y < c.y + c.h; ++y, at += c.w + c.rowgap, src += c.w + c.srcgap) {
-        long long r = y - m.y;
-        if (r < 0 || r >= rows) continue;
-        long long st = static_cast<long long>(m.offsets[r]) + m.x, len = m.widths[r], px = c.x - origin;
-        long long first, count;
-        if (st < px) {
-            if (px - st >= len) continue;
-            len -= px - st;
-            first = 0;
-            count = c.w;
-        } else {
-            long long o = st - px;
-            if (o >= c.w) continue;
-            first = o;
-            count = c.w - o;
+using visitor = std::function<void(long long at, long long src)>;
+
+inline bool inside(const target& t, long long x, long long y) {
+    return x >= t.clip[0] && x < t.clip[2] && y >= t.clip[1] && y < t.clip[3];
+}
+
+// Visits the buffer index and byte index of each pixel that the glyph, w by h at (dx, dy), covers
+// inside the clip: the clip steps move the first byte, the row ends and the gaps together, so
+// every pixel they leave reads the byte of its own row and column. Through a mask, only the
+// mask's rows are drawn, and in each the columns that, counted from `origin`, lie in the span
+// [st, st + len): narrowing the run from either side comes to exactly that.
+inline void walk(const target& t, int w, int h, int dx, int dy, const visitor& visit, const mask* m = nullptr,
+                 int origin = 0) {
+    for (long long j = 0; j < h; ++j)
+        for (long long i = 0; i < w; ++i) {
+            long long bx = dx + i, by = dy + j, r = m ? by - m->y : 0;
+            if (!inside(t, bx, by)) continue;
+            if (m && (r < 0 || r >= static_cast<long long>(m->offsets.size()))) continue;
+            long long st = m ? static_cast<long long>(m->offsets[r]) + m->x : 0;
+            if (m && (bx - origin < st || bx - origin >= st + m->widths[r])) continue;
+            visit(by * t.width + bx, j * w + i);
         }
-        if (count > len) count = len;
-        for (long long i = first; i < first + count; ++i) visit(at + i, src + i);
-    }
 }
 
 // The turned glyph from its mapping: column i and row j show glyph row i, column w - 1 - j.
 inline void turnwalk(const target& t, int w, int h, int x, int y, const visitor& visit) {
     for (long long j = 0; j < w; ++j)
         for (long long i = 0; i < h; ++i) {
-            long long bx = x + i, by = static_cast<long long>(y) + j;
-            if (bx < t.clip[0] || bx >= t.clip[2] || by < t.clip[1] || by >= t.clip[3]) continue;
-            visit(by * t.width + bx, i * w + (w - 1 - j));
+            long long bx = static_cast<long long>(x) + i, by = static_cast<long long>(y) + j;
+            if (inside(t, bx, by)) visit(by * t.width + bx, i * w + (w - 1 - j));
         }
 }
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <vector>
 
 #include "target.h"
@@ -19,36 +20,30 @@ std::vector<uint32_t> scrolled(std::vector<uint32_t> b, long long n) {
     return b;
 }
 
+// Every move within and past the run; a move as long as the run, or one whose 32-bit product
+// would wrap to a small move (7 * 613566757 is 2^32 + 3), leaves both buffers as they are.
 TEST(scroll, movesbothbuffersasonerunwithrowswrapping) {
     testtarget g(7, 5, true);
     auto* depth = reinterpret_cast<uint32_t*>(g.depth.get());
+    std::vector<std::pair<int, int>> moves = {{0, 613566757}, {0, -613566757}, {0x7FFFFFFF, 0}};
     for (int dy = -6; dy <= 6; ++dy)
-        for (int dx = -9; dx <= 9; ++dx) {
-            std::vector<uint32_t> colour(35), depthbits(35);
-            for (int i = 0; i < 35; ++i) {
-                g.colour[i] = colour[i] = 100 + i;
-                depth[i] = depthbits[i] = 0x3F800000u + i;
-            }
-            scrolltarget(g.t, dx, dy);
-            long long n = dx + dy * 7;
-            std::vector<uint32_t> c = scrolled(colour, n), d = scrolled(depthbits, n);
-            for (int i = 0; i < 35; ++i) {
-                ASSERT_EQ(g.colour[i], c[i]) << dx << "," << dy << " at " << i;
-                ASSERT_EQ(depth[i], d[i]) << dx << "," << dy << " at " << i;
-            }
+        for (int dx = -9; dx <= 9; ++dx) moves.push_back({dx, dy});
+    for (auto [dx, dy] : moves) {
+        std::vector<uint32_t> colour(35), depthbits(35);
+        for (int i = 0; i < 35; ++i) {
+            g.colour[i] = colour[i] = 100 + i;
+            depth[i] = depthbits[i] = 0x3F800000u + i;
         }
+        scrolltarget(g.t, dx, dy);
+        long long n = dx + dy * 7LL;
+        std::vector<uint32_t> c = scrolled(colour, n), d = scrolled(depthbits, n);
+        for (int i = 0; i < 35; ++i) {
+            ASSERT_EQ(g.colour[i], c[i]) << dx << "," << dy << " at " << i;
+            ASSERT_EQ(depth[i], d[i]) << dx << "," << dy << " at " << i;
+        }
+    }
     EXPECT_TRUE(g.colour.intact());
     EXPECT_TRUE(g.depth.intact());
-}
-
-// A move as long as the run, or one whose 32-bit product would wrap to a small move, leaves both
-// buffers as they are.
-TEST(scroll, wholerunmovesleavethebuffers) {
-    testtarget g(4, 4);
-    for (int i = 0; i < 16; ++i) g.colour[i] = i;
-    for (auto [dx, dy] : {std::pair{16, 0}, std::pair{0, -4}, std::pair{1, 1 << 30}, std::pair{0x7FFFFFFF, 0}})
-        scrolltarget(g.t, dx, dy);
-    for (int i = 0; i < 16; ++i) EXPECT_EQ(g.colour[i], static_cast<uint32_t>(i));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "sprite/sprite.h"
@@ -24,7 +25,11 @@ struct offscreen {
     ~offscreen() { destroysurface(depth); }
 };
 
-TEST(offscreen, spritesizerulesandnothingiscleared) {
+std::array<int, 4> clipof(const toolkit& t) { return {t.cliprect[0], t.cliprect[1], t.cliprect[2], t.cliprect[3]}; }
+
+// The sprite gives the size, else the surface; selecting neither keeps the size. Nothing is
+// cleared, and the depth range is kept.
+TEST(offscreen, thespriteorelsethesurfacegivesthesize) {
     testtarget g(10, 10);
     offscreen o(6, 4, 8, 5);
     o.pixels[0] = 0x12345678;
@@ -35,35 +40,24 @@ TEST(offscreen, spritesizerulesandnothingiscleared) {
     EXPECT_EQ(g.t.depthbuffer, o.depth->buffer);
     EXPECT_EQ(g.t.coloursurface, &o.image);
     EXPECT_EQ(g.t.depthsurface, o.depth);
-    EXPECT_EQ(g.t.width, 6);
-    EXPECT_EQ(g.t.height, 4);
-    EXPECT_EQ(rasterstate.targetstride, 6);
+    EXPECT_EQ((std::array{g.t.width, g.t.height, rasterstate.targetstride}), (std::array{6, 4, 6}));
     EXPECT_EQ(rasterstate.targetcolour, o.pixels.get());
     EXPECT_EQ(rasterstate.targetdepth, o.depth->buffer);
-    EXPECT_EQ((std::array{g.t.cliprect[0], g.t.cliprect[1], g.t.cliprect[2], g.t.cliprect[3]}),
-              (std::array{0, 0, 6, 4}));
-    EXPECT_EQ(rasterstate.rasterclip[2], 6);
-    EXPECT_EQ(rasterstate.viewport[3], 4);
+    EXPECT_EQ(clipof(g.t), (std::array{0, 0, 6, 4}));
+    EXPECT_EQ((std::array{rasterstate.rasterclip[2], rasterstate.viewport[3]}), (std::array{6, 4}));
     EXPECT_EQ(rasterstate.depthrange[0], 0.25f);
     EXPECT_EQ(o.pixels[0], 0x12345678u);
     EXPECT_EQ(o.depth->buffer[0], 7.0f);
     rasterstate.depthrange[0] = 0;
-}
 
-TEST(offscreen, surfacealonegivesthesizeandnoneleavesit) {
-    testtarget g(10, 10);
-    offscreen o(6, 4, 8, 5);
     selectoffscreen(g.t, nullptr, o.depth);
     EXPECT_EQ(g.t.colourbuffer, nullptr);
-    EXPECT_EQ(g.t.width, 8);
-    EXPECT_EQ(g.t.height, 5);
-    EXPECT_EQ(rasterstate.targetstride, 8);
+    EXPECT_EQ((std::array{g.t.width, g.t.height, rasterstate.targetstride}), (std::array{8, 5, 8}));
     selectoffscreen(g.t, nullptr, nullptr);
     EXPECT_EQ(g.t.depthbuffer, nullptr);
     EXPECT_EQ(g.t.depthsurface, nullptr);
     EXPECT_EQ(rasterstate.targetstride, 0);
-    EXPECT_EQ(g.t.width, 8);
-    EXPECT_EQ(g.t.cliprect[3], 5);
+    EXPECT_EQ(clipof(g.t), (std::array{0, 0, 8, 5}));
 }
 
 TEST(offscreen, refusesasurfacesmallerthanthespritebeforechanginganything) {
@@ -115,13 +109,9 @@ TEST(copy, randomblocksinsidebothsides) {
             for (int y = 0; y < h; ++y)
                 for (int x = 0; x < w; ++x) {
                     int a = (sy + y) * tw + sx + x, b = (dy + y) * sw + dx + x;
-                    if (way == copyway::fromtarget) {
-                        if (colour) oc[b] = tc[a];
-                        if (depth) od[b] = td[a];
-                    } else {
-                        if (colour) tc[a] = oc[b];
-                        if (depth) td[a] = od[b];
-                    }
+                    bool from = way == copyway::fromtarget;
+                    if (colour) (from ? oc[b] : tc[a]) = from ? tc[a] : oc[b];
+                    if (depth) (from ? od[b] : td[a]) = from ? td[a] : od[b];
                 }
             copytargetblock(g.t, &o.image, o.depth, sx, sy, w, h, dx, dy, colour, depth, way);
             ASSERT_TRUE(
