@@ -16,10 +16,8 @@ class SpriteTest {
             fa f = fromPixels(s.toolkit, new int[] {0, 0x7F123456, 1, 2, 3, 4}, 3, 2, true);
             assertNotEquals(0, f.nativeid);
             f.U(f.nativeid, 1, 2, -3, 4);
-            assertEquals(3, f.da(f.nativeid));
-            assertEquals(2, f.GA(f.nativeid));
-            assertEquals(1, f.WA(f.nativeid));
-            assertEquals(8, f.ba(f.nativeid));
+            long id = f.nativeid;
+            assertArrayEquals(new int[] {3, 2, 1, 8}, new int[] {f.da(id), f.GA(id), f.WA(id), f.ba(id)});
             int[] pads = new int[4];
             f.F(f.nativeid, pads);
             assertArrayEquals(new int[] {1, 2, -3, 4}, pads);

@@ -2,6 +2,7 @@
 // builds, the alpha rewrite; and the own-size draws' clipping and tiling.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "sprite/drawsprite.h"
@@ -47,61 +48,36 @@ TEST(spriteobject, paletteindexzeroistransparentonlywithoutalpha) {
 TEST(spriteobject, alpharewritetakesachannelormasksnonzerowords) {
     ownedsprite s(2, 2);
     const uint32_t buffer[] = {0x00A1B2C3, 0x00000000, 0xEE, 0x01000000, 0x12345678, 0xEE};
-    auto fill = [&] {
-        for (int i = 0; i < 4; ++i) s->pixels[i] = 0x55123456;
-    };
-    uint32_t expect[4][4] = {{0xA1123456, 0x00123456, 0x00123456, 0x34123456},
-                             {0xB2123456, 0x00123456, 0x00123456, 0x56123456},
-                             {0xC3123456, 0x00123456, 0x00123456, 0x78123456},
-                             {0xFF123456, 0x00123456, 0xFF123456, 0xFF123456}};
+    const uint32_t alphas[4][4] = {
+        {0xA1, 0, 0, 0x34}, {0xB2, 0, 0, 0x56}, {0xC3, 0, 0, 0x78}, {0xFF, 0, 0xFF, 0xFF}};
     for (int channel = 0; channel < 4; ++channel) {
-        fill();
+        std::fill(s->pixels, s->pixels + 4, 0x55123456u);
         rewritealpha(*s, buffer, 3, channel);
-        EXPECT_EQ(std::vector<uint32_t>(s->pixels, s->pixels + 4),
-                  std::vector<uint32_t>(expect[channel], expect[channel] + 4))
-            << "channel " << channel;
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(s->pixels[i], alphas[channel][i] << 24 | 0x123456) << "channel " << channel << " pixel " << i;
     }
 }
 
-struct smalltarget {
-    static constexpr int width = 16, height = 8;
-    std::vector<uint32_t> colour = std::vector<uint32_t>(width * height, 0);
-    toolkit t{};
-    smalltarget() {
-        t.width = width;
-        t.height = height;
-        t.colourbuffer = colour.data();
-        setcliprect(t, 0, 0, width, height);
-    }
-    uint32_t at(int x, int y) const { return colour[y * width + x]; }
-};
-
 // Pads move the image inside its full rectangle and are the gaps between repeats; the tile area
-// clips the last repeats, and the clip rectangle comes back clamped to the target.
+// clips the last repeats, and the clip rectangle comes back clamped to the target. Selections out
+// of range draw nothing.
 TEST(spritetiling, padsspacetherepeatsandtheareaclips) {
-    smalltarget g;
+    testtarget g(16, 8);
+    std::fill(g.colour.get(), g.colour.get() + g.pixels(), 0u);
     uint32_t pixels[2] = {0xFF0000AA, 0xFF0000BB};
+    for (auto [tint, blend] : {std::pair{5, 0}, {-1, 0}, {1, 3}, {1, -1}})
+        drawsprite(g.t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 6, tint, 0, blend);
     spriteimage image{pixels, 2, 1, 2, 1, 1, 0, 1};  // full 3 by 3, image at (1, 1)
     g.t.cliprect[2] = 40;  // wider than the target, as a resize would leave it
     tilesprite(g.t, image, 0, 0, 8, 5, 1, 0, 0);
-    for (int y = 0; y < 5; ++y)
-        for (int x = 0; x < 9; ++x) {
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 16; ++x) {
             uint32_t expect = 0;
-            if (y % 3 == 1 && x < 8 && x % 3 != 0) expect = x % 3 == 1 ? 0xFF0000AA : 0xFF0000BB;
+            if (y < 5 && y % 3 == 1 && x < 8 && x % 3 != 0) expect = x % 3 == 1 ? 0xFF0000AA : 0xFF0000BB;
             EXPECT_EQ(g.at(x, y), expect) << x << ", " << y;
         }
-    EXPECT_EQ(g.t.cliprect[2], smalltarget::width);
+    EXPECT_EQ(g.t.cliprect[2], 16);
 }
-
-// Selections out of range draw nothing.
-TEST(spritedraw, invalidselectionsdrawnothing) {
-    smalltarget g;
-    uint32_t pixels[4] = {1, 2, 3, 4};
-    for (auto [tint, blend] : {std::pair{5, 0}, {-1, 0}, {1, 3}, {1, -1}})
-        drawsprite(g.t, {pixels, 4, 1, 4, 0, 0, 0, 0}, 0, 1, tint, 0, blend);
-    EXPECT_EQ(g.colour, std::vector<uint32_t>(smalltarget::width * smalltarget::height, 0));
-}
-
 
 // Random copies inside the sprite, keyed or not: the block and nothing else changes. Keyed, only
 // a zero word stays transparent: 0x00000001 becomes opaque.

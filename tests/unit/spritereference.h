@@ -61,10 +61,6 @@ inline uint32_t pixel(int tint, int blend, bool group, uint32_t s, uint32_t c, u
     return out;
 }
 
-}  // namespace spritereference
-
-namespace spritereference {
-
 // A target as the draws see it.
 struct view {
     uint32_t* colour;
@@ -107,11 +103,7 @@ inline void scaled(const view& t, const uint32_t* pixels, int width, int height,
     }
 }
 
-}  // namespace spritereference
-
 // The row tables this processor can run: four pixels at a time, and eight where it can.
-namespace spritereference {
-
 inline std::vector<const rowtables*> rowtablesavailable() {
     std::vector<const rowtables*> list = {&narrowrows};
     if (widerows()) list.push_back(widerows());
@@ -119,15 +111,10 @@ inline std::vector<const rowtables*> rowtablesavailable() {
 }
 
 // Draws through the given row tables while in scope.
-class drawingwith {
-public:
-    explicit drawingwith(const rowtables* t) : saved(spriterowtables) { spriterowtables = t; }
+struct drawingwith {
+    const rowtables* const saved = spriterowtables;
+    explicit drawingwith(const rowtables* t) { spriterowtables = t; }
     ~drawingwith() { spriterowtables = saved; }
-    drawingwith(const drawingwith&) = delete;
-    drawingwith& operator=(const drawingwith&) = delete;
-
-private:
-    const rowtables* saved;
 };
 
 }  // namespace spritereference

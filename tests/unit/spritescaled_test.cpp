@@ -10,68 +10,69 @@
 
 namespace {
 
-struct scene {
-    static constexpr int width = 48, height = 40;
-    std::vector<uint32_t> colour = std::vector<uint32_t>(width * height);
-    std::vector<float> depth = std::vector<float>(width * height);
+toolkit target(uint32_t* colour, float* depth, int width, int height) {
     toolkit t{};
-    scene() {
-        t.width = width;
-        t.height = height;
-        t.colourbuffer = colour.data();
-    }
-};
+    t.width = width;
+    t.height = height;
+    t.colourbuffer = colour;
+    t.depthbuffer = depth;
+    return t;
+}
+
+// Draws at depth z by the library and by the reference into copies of the target; true when
+// they agree.
+bool matchesreference(const toolkit& t, const spriteimage& image, int x, int y, int w, int h, int rule,
+                      uint32_t colour, float z) {
+    std::vector<uint32_t> expect(t.colourbuffer, t.colourbuffer + t.width * t.height);
+    const int* clip = t.cliprect;
+    const int pads[4] = {image.padleft, image.padtop, image.padright, image.padbottom};
+    spritereference::scaled({expect.data(), t.depthbuffer, t.width, {clip[0], clip[1], clip[2], clip[3]}},
+                            image.pixels, image.width, image.height, image.pitch, pads, x, y, w, h, rule / 3, colour,
+                            rule % 3, z);
+    drawscaledatdepth(t, image, x, y, z, w, h, rule / 3, colour, rule % 3);
+    return std::equal(expect.begin(), expect.end(), t.colourbuffer);
+}
 
 // Every rule, both lane widths.
 TEST(scaleddraw, matchesthereferenceforeveryruleunderpadsclipanddepth) {
+    constexpr int width = 48, height = 40;
     std::mt19937 random(11);
     auto between = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(random); };
-    std::vector<uint32_t> pixels(32 * 32);
+    std::vector<uint32_t> pixels(32 * 32), colour(width * height);
+    std::vector<float> depth(width * height);
     auto tables = spritereference::rowtablesavailable();
     for (int round = 0; round < 1500; ++round) {
         spritereference::drawingwith rows(tables[round / 2 % tables.size()]);
-        scene s;
-        for (uint32_t& p : s.colour) p = random();
-        for (float& d : s.depth) d = float(between(0, 8));
-        bool withdepth = round % 2;
-        if (withdepth) s.t.depthbuffer = s.depth.data();
-        int width = between(1, 12), height = between(1, 12);
-        long pitch = width + between(0, 3);
+        for (uint32_t& p : colour) p = random();
+        for (float& d : depth) d = float(between(0, 8));
+        toolkit t = target(colour.data(), round % 2 ? depth.data() : nullptr, width, height);
+        setcliprect(t, between(0, 20), between(0, 20), between(20, width), between(20, height));
+        int w = between(1, 12), h = between(1, 12);
         for (uint32_t& p : pixels) p = random();
-        int pads[4] = {between(-2, 5), between(-2, 5), between(-2, 5), between(-2, 5)};
-        if (pads[0] + pads[2] + width < 1) pads[0] = pads[2] = 0;
-        if (pads[1] + pads[3] + height < 1) pads[1] = pads[3] = 0;
-        int x = between(-20, 40), y = between(-20, 36), w = between(0, 60), h = between(0, 50);
-        int clip[4] = {between(0, 20), between(0, 20), between(20, scene::width), between(20, scene::height)};
-        setcliprect(s.t, clip[0], clip[1], clip[2], clip[3]);
-        int rule = round % 15;
-        uint32_t colour = random();
-        float z = float(between(0, 8));
-
-        std::vector<uint32_t> expect = s.colour;
-        spritereference::view v{expect.data(), withdepth ? s.depth.data() : nullptr, scene::width,
-                                {clip[0], clip[1], clip[2], clip[3]}};
-        spritereference::scaled(v, pixels.data(), width, height, pitch, pads, x, y, w, h, rule / 3, colour, rule % 3,
-                                z);
-        spriteimage image{pixels.data(), width, height, pitch, pads[0], pads[1], pads[2], pads[3]};
-        drawscaledatdepth(s.t, image, x, y, z, w, h, rule / 3, colour, rule % 3);
-        ASSERT_EQ(s.colour, expect) << "round " << round;
+        spriteimage image{pixels.data(), w, h, w + between(0, 3), between(-2, 5), between(-2, 5), between(-2, 5),
+                          between(-2, 5)};
+        if (image.fullwidth() < 1) image.padleft = image.padright = 0;
+        if (image.fullheight() < 1) image.padtop = image.padbottom = 0;
+        int x = between(-20, 40), y = between(-20, 36);
+        int dw = between(0, 60), dh = between(0, 50);
+        uint32_t tone = random();
+        ASSERT_TRUE(matchesreference(t, image, x, y, dw, dh, round % 15, tone, float(between(0, 8))))
+            << "round " << round;
     }
 }
-
 
 // Scaling 2 pixels to 82: pixel 41 is 41 / 41 = 1 by division but truncates to 0 through the
 // rounded reciprocal. Only the plain tint with depth divides, and only leftovers show it.
 TEST(scaleddraw, plainwithdepthdividesinleftovers) {
-    scene s;
-    s.t.depthbuffer = s.depth.data();
-    setcliprect(s.t, 0, 0, 43, 1);
+    std::vector<uint32_t> colour(43);
+    std::vector<float> depth(43);
     uint32_t pixels[2] = {0xFF000000u, 0xFFFFFFFFu};
-    drawscaledatdepth(s.t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 0, 0.0f, 82, 1, 1, 0, 0);
-    EXPECT_EQ(s.colour[41], 0xFFFFFFFFu);
-    s.t.depthbuffer = nullptr;
-    drawscaledatdepth(s.t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 0, 0.0f, 82, 1, 1, 0, 0);
-    EXPECT_EQ(s.colour[41], 0xFF000000u);
+    for (float* d : {depth.data(), static_cast<float*>(nullptr)}) {
+        toolkit t = target(colour.data(), d, 43, 1);
+        setcliprect(t, 0, 0, 43, 1);
+        drawscaledatdepth(t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 0, 0.0f, 82, 1, 1, 0, 0);
+        EXPECT_EQ(colour[41], d ? 0xFFFFFFFFu : 0xFF000000u);
+    }
 }
 
 // Rows longer than the column table's stretch, with and without depth.
@@ -82,22 +83,13 @@ TEST(scaleddraw, longrowsmatchthereference) {
     std::vector<float> depth(width * 3);
     for (uint32_t& p : pixels) p = random();
     for (float& d : depth) d = float(random() % 3);
-    const int pads[4] = {0, 0, 0, 0};
     for (const rowtables* table : spritereference::rowtablesavailable())
-        for (bool withdepth : {false, true}) {
+        for (float* d : {depth.data(), static_cast<float*>(nullptr)}) {
             spritereference::drawingwith rows(table);
             for (uint32_t& p : colour) p = random();
-            std::vector<uint32_t> expect = colour;
-            toolkit t{};
-            t.width = width;
-            t.height = 3;
-            t.colourbuffer = colour.data();
-            t.depthbuffer = withdepth ? depth.data() : nullptr;
+            toolkit t = target(colour.data(), d, width, 3);
             setcliprect(t, 3, 0, width, 3);
-            spritereference::view v{expect.data(), t.depthbuffer, width, {3, 0, width, 3}};
-            spritereference::scaled(v, pixels.data(), 7, 3, 7, pads, -5, 0, width + 2, 3, 1, 0, 1, 1.0f);
-            drawscaledatdepth(t, {pixels.data(), 7, 3, 7, 0, 0, 0, 0}, -5, 0, 1.0f, width + 2, 3, 1, 0, 1);
-            ASSERT_EQ(colour, expect) << "depth " << withdepth;
+            EXPECT_TRUE(matchesreference(t, {pixels.data(), 7, 3, 7, 0, 0, 0, 0}, -5, 0, width + 2, 3, 4, 0, 1.0f));
         }
 }
 
@@ -109,10 +101,7 @@ TEST(scaleddraw, animagedrawnintoitselfgivesthesamebitsateverywidth) {
         spritereference::drawingwith rows(table);
         std::vector<uint32_t> pixels(40 * 4);
         for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = uint32_t(i * 0x01030507u);
-        toolkit t{};
-        t.width = 40;
-        t.height = 4;
-        t.colourbuffer = pixels.data();
+        toolkit t = target(pixels.data(), nullptr, 40, 4);
         setcliprect(t, 0, 0, 40, 4);
         spriteimage image{pixels.data(), 40, 4, 40, 0, 0, 0, 0};
         drawsprite(t, image, 4, 0, 1, 0, 0);

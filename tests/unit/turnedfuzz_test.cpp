@@ -1,12 +1,14 @@
 // Random draws onto parallelograms, with and without a mask, into targets fenced by sentinels and
-// inaccessible pages, from sprites and masks fenced the same way: corners huge, degenerate, thin
-// or ordinary, pads of any size, clip rectangles empty, inverted or off the target. Nothing may be
-// written outside the target, nothing read outside the sprite, and every draw must match the
-// pixel-by-pixel reference. Case n is seeded by n; WEXEL_FUZZ_CASE=n reruns that case alone, as
+// inaccessible pages, from sprites and masks fenced the same way or from the target itself:
+// corners huge, degenerate, thin, turned rectangles at any angle or ordinary, pads of any size,
+// clip rectangles empty, inverted or off the target. Nothing may be written outside the target,
+// nothing read outside the sprite, and every draw of every rule must match the pixel-by-pixel
+// reference. Case n is seeded by n; WEXEL_FUZZ_CASE=n reruns that case alone, as
 // in the other fuzz tests.
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <cstdlib>
 #include <random>
 
@@ -57,6 +59,13 @@ struct fuzzcase {
             case 2:  // all in one point
                 c.x1 = c.x2 = c.x0, c.y1 = c.y2 = c.y0;
                 break;
+            case 3: case 4: case 5: {  // a rectangle turned, scaled and maybe flipped or made thin
+                float a = real(0, 6.3f), sx = real(-40, 40), sy = real(-40, 40) * (between(0, 5) ? 1 : 0.02f);
+                float ex = std::cos(a) * sx, ey = std::sin(a) * sx, gx = -std::sin(a) * sy, gy = std::cos(a) * sy;
+                if (between(0, 2) == 0) c.x0 = std::round(c.x0), c.y0 = std::round(c.y0);
+                c.x1 = c.x0 + ex, c.y1 = c.y0 + ey, c.x2 = c.x0 + gx, c.y2 = c.y0 + gy;
+                break;
+            }
             default: break;
         }
         return c;
@@ -86,6 +95,12 @@ void run(int n) {
 
     std::vector<uint32_t> expect(colour.get(), colour.get() + colour.size());
     std::vector<uint32_t> before = expect;
+    // Sometimes the target is its own sprite: each pixel is then written before the next is read.
+    spriteimage sampled = image;
+    if (f.between(0, 9) == 0) {
+        image = {colour.get(), width, height, width, 0, 0, 0, 0};
+        sampled = {expect.data(), width, height, width, 0, 0, 0, 0};
+    }
     parallelogram p;
     bool placed = placeparallelogram(image, c, t.cliprect, width, p);
     if (f.between(0, 1)) {
@@ -93,7 +108,7 @@ void run(int n) {
         int blend = f.between(0, 19) ? f.between(0, 2) : f.between(-1, 3);
         uint32_t tone = f.random();
         if (placed && tint >= 0 && tint < 5 && blend >= 0 && blend < 3)
-            turnedreference::walk(p, image, expect.data(), width, tint, tone, blend);
+            turnedreference::walk(p, sampled, expect.data(), width, tint, tone, blend);
         drawturned(t, image, c, tint, tone, blend);
     } else {
         const int rows = f.between(0, 50);
@@ -102,7 +117,7 @@ void run(int n) {
         int maskx = f.anyint() / 2, masky = f.anyint() / 4;
         bool opaque = f.between(0, 1);
         turnedreference::mask m{offsets.get(), widths.get(), rows, maskx, masky};
-        if (placed) turnedreference::walk(p, image, expect.data(), width, 1, 0, opaque ? replace : blend, &m);
+        if (placed) turnedreference::walk(p, sampled, expect.data(), width, 1, 0, opaque ? replace : blend, &m);
         drawturnedmasked(t, image, c, {offsets.get(), widths.get(), rows}, maskx, masky, opaque);
         ASSERT_TRUE(offsets.intact() && widths.intact()) << "case " << n;
     }
@@ -120,9 +135,9 @@ TEST(turnedfuzz, drawsstayinsidetargetandsprite) {
     if (const char* one = std::getenv("WEXEL_FUZZ_CASE")) return run(std::atoi(one));
     drawn = 0;
 #ifdef __SANITIZE_ADDRESS__
-    constexpr int cases = 1500;
+    constexpr int cases = 2000;
 #else
-    constexpr int cases = 6000;
+    constexpr int cases = 8000;
 #endif
     for (int n = 0; n < cases; ++n) {
         run(n);
