@@ -3,7 +3,7 @@
 // outside the target is touched, and no pixel outside the image is read. Images sit flush against
 // an inaccessible page at their end or at their start, and the gaps between their rows are
 // refilled between two runs of the same call, which must agree. Each case has its own seed; set
-// SPRITEFUZZ_CASE=n to run case n alone and see its arguments.
+// WEXEL_FUZZ_CASE=n to run case n alone and see its arguments.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -166,7 +166,7 @@ TEST(spritefuzz, drawsstayinsidetheclipandreadonlytheimage) {
         for (bool atstart : {false, true})
             images.push_back(std::make_unique<fencedimage>(w, h, w + gap, atstart, random));
 
-    const char* only = getenv("SPRITEFUZZ_CASE");
+    const char* only = getenv("WEXEL_FUZZ_CASE");
     int first = only ? atoi(only) : 0, last = only ? first + 1 : casecount;
     int tilescompared = 0, drawn = 0;
     auto tables = spritereference::rowtablesavailable();
