@@ -4,12 +4,11 @@
 
 #include "sprite/spriterows.h"
 #include "util/frame.h"
+#include "util/truncate.h"
 
 namespace {
 
 using int64 = long long;
-
-int truncate(float v) { return _mm_cvttss_si32(_mm_set_ss(v)); }
 
 // Clips a scaled draw and sets where its sampling starts; false when nothing is drawn.
 struct placement : scaledrows {

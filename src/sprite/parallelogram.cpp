@@ -5,12 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-// Toward zero; out of range and NaN give the processor's 0x80000000.
-int truncate(float v) { return _mm_cvttss_si32(_mm_set_ss(v)); }
-
-}  // namespace
+#include "util/truncate.h"
 
 bool placeparallelogram(const spriteimage& image, corners c, const int clip[4], int bufferwidth, parallelogram& out) {
     auto [x0, y0, x1, y1, x2, y2] = c;

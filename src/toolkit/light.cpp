@@ -3,6 +3,7 @@
 #include "toolkit/projection.h"
 #include "util/arraypin.h"
 #include "util/frame.h"
+#include "util/truncate.h"
 
 int fogflag = 1;
 
@@ -20,8 +21,8 @@ void setsun(toolkit& t, int colour, float ambient, float diffuse, float x, float
     t.diffuse = diffuse;
     // Shadows fall along the sun: x and z travelled per unit of height, in 1/256. A level sun
     // divides by zero and the conversion gives the processor's integer indefinite value.
-    t.shadowslopex = _mm_cvttss_si32(_mm_set_ss(t.sundirection[0] * 256.0f / t.sundirection[1]));
-    t.shadowslopez = _mm_cvttss_si32(_mm_set_ss(t.sundirection[2] * 256.0f / t.sundirection[1]));
+    t.shadowslopex = truncate(t.sundirection[0] * 256.0f / t.sundirection[1]);
+    t.shadowslopez = truncate(t.sundirection[2] * 256.0f / t.sundirection[1]);
 }
 
 void setpointlights(toolkit& t, int count, const int* lights, const float* intensities) {

@@ -7,6 +7,7 @@
 #include "util/arraypin.h"
 #include "util/frame.h"
 #include "util/peer.h"
+#include "util/truncate.h"
 
 rasterstatedata rasterstate = [] {
     rasterstatedata r{};
@@ -82,8 +83,8 @@ void setviewport(int x, int y, int w, int h, float nearz, float farz) {
     r.viewportoffset[3] = 0.0f;
     r.screenbounds[0] = static_cast<int16_t>(x + w);
     r.screenbounds[1] = static_cast<int16_t>(y + h);
-    r.screenbounds[2] = static_cast<int16_t>(static_cast<int>(farz * 32767.0f));
-    r.screenbounds[3] = static_cast<int16_t>(static_cast<int>(nearz * 32767.0f));
+    r.screenbounds[2] = static_cast<int16_t>(truncate(farz * 32767.0f));
+    r.screenbounds[3] = static_cast<int16_t>(truncate(nearz * 32767.0f));
     r.screenbounds[4] = static_cast<int16_t>(x);
     r.screenbounds[5] = static_cast<int16_t>(y);
     r.screenbounds[6] = 0;
