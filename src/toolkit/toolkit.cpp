@@ -31,7 +31,6 @@ toolkit* maketoolkit(JNIEnv* env, jobject host) {
     if (!memory) return nullptr;
     toolkit* t = new (memory) toolkit{};
     t->state = 1;
-    t->clients.makeempty();
     t->ambient = 0.69921875f;
     t->diffuse = 1.2f;
     t->lightfactor = 1.15234375f;

@@ -5,17 +5,12 @@
 
 #include <cstdint>
 
+#include "util/memory/ringlink.h"
+
 struct memorypool;
 struct texturestore;
 struct sprite;
 struct surface;
-
-// Intrusive doubly linked list head or link; a head links to itself when empty.
-struct listlink {
-    listlink* next;
-    listlink* prev;
-    void makeempty() { next = prev = this; }
-};
 
 struct alignas(16) toolkit {
     uint8_t marker;
@@ -24,7 +19,7 @@ struct alignas(16) toolkit {
     int state;
     memorypool* pool;
     texturestore* textures;
-    listlink clients;
+    ringlink clients;  // the render clients, self-linked while there are none
     int width, height;
     uint32_t* colourbuffer;
     float* depthbuffer;

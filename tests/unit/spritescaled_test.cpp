@@ -10,13 +10,12 @@
 
 namespace {
 
-toolkit target(uint32_t* colour, float* depth, int width, int height) {
-    toolkit t{};
+// A toolkit drawing into the given buffers; toolkits are not copied, so it is filled in place.
+void target(toolkit& t, uint32_t* colour, float* depth, int width, int height) {
     t.width = width;
     t.height = height;
     t.colourbuffer = colour;
     t.depthbuffer = depth;
-    return t;
 }
 
 // Draws at depth z by the library and by the reference into copies of the target; true when
@@ -45,7 +44,8 @@ TEST(scaleddraw, matchesthereferenceforeveryruleunderpadsclipanddepth) {
         spritereference::drawingwith rows(tables[round / 2 % tables.size()]);
         for (uint32_t& p : colour) p = random();
         for (float& d : depth) d = float(between(0, 8));
-        toolkit t = target(colour.data(), round % 2 ? depth.data() : nullptr, width, height);
+        toolkit t{};
+        target(t, colour.data(), round % 2 ? depth.data() : nullptr, width, height);
         setcliprect(t, between(0, 20), between(0, 20), between(20, width), between(20, height));
         int w = between(1, 12), h = between(1, 12);
         for (uint32_t& p : pixels) p = random();
@@ -68,7 +68,8 @@ TEST(scaleddraw, plainwithdepthdividesinleftovers) {
     std::vector<float> depth(43);
     uint32_t pixels[2] = {0xFF000000u, 0xFFFFFFFFu};
     for (float* d : {depth.data(), static_cast<float*>(nullptr)}) {
-        toolkit t = target(colour.data(), d, 43, 1);
+        toolkit t{};
+        target(t, colour.data(), d, 43, 1);
         setcliprect(t, 0, 0, 43, 1);
         drawscaledatdepth(t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 0, 0.0f, 82, 1, 1, 0, 0);
         EXPECT_EQ(colour[41], d ? 0xFFFFFFFFu : 0xFF000000u);
@@ -87,7 +88,8 @@ TEST(scaleddraw, longrowsmatchthereference) {
         for (float* d : {depth.data(), static_cast<float*>(nullptr)}) {
             spritereference::drawingwith rows(table);
             for (uint32_t& p : colour) p = random();
-            toolkit t = target(colour.data(), d, width, 3);
+            toolkit t{};
+            target(t, colour.data(), d, width, 3);
             setcliprect(t, 3, 0, width, 3);
             EXPECT_TRUE(matchesreference(t, {pixels.data(), 7, 3, 7, 0, 0, 0, 0}, -5, 0, width + 2, 3, 4, 0, 1.0f));
         }
@@ -101,7 +103,8 @@ TEST(scaleddraw, animagedrawnintoitselfgivesthesamebitsateverywidth) {
         spritereference::drawingwith rows(table);
         std::vector<uint32_t> pixels(40 * 4);
         for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = uint32_t(i * 0x01030507u);
-        toolkit t = target(pixels.data(), nullptr, 40, 4);
+        toolkit t{};
+        target(t, pixels.data(), nullptr, 40, 4);
         setcliprect(t, 0, 0, 40, 4);
         spriteimage image{pixels.data(), 40, 4, 40, 0, 0, 0, 0};
         drawsprite(t, image, 4, 0, 1, 0, 0);
