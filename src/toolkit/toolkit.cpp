@@ -5,6 +5,7 @@
 
 #include "toolkit/tables.h"
 #include "util/arraypin.h"
+#include "util/crash.h"
 #include "util/frame.h"
 #include "util/peer.h"
 #include "util/truncate.h"
@@ -40,6 +41,7 @@ toolkit* maketoolkit(JNIEnv* env, jobject host) {
     t->fogdistance = 255.0f;
     t->shadowcell = 8;
     t->shadowshift = 3;
+    startcrashreporting(env);
     {
         hostcall guard;
         env->GetJavaVM(&t->vm);
@@ -103,8 +105,7 @@ void setcliprect(toolkit& t, int left, int top, int right, int bottom) {
 
 extern "C" {
 
-// The texture store and crash reporting come with their own subsystems; until then a toolkit
-// has no textures.
+// The texture store comes with its own subsystem; until then a toolkit has no textures.
 JNIEXPORT void JNICALL Java_ja_q(JNIEnv* env, jobject self, jobject, jint, jint) {
     runexport(env, [&] {
         toolkit* t = maketoolkit(env, self);
@@ -118,6 +119,7 @@ JNIEXPORT void JNICALL Java_ja_ma(JNIEnv* env, jobject self, jint) {
     runexport(env, [&] {
         toolkit* t = getpeer<toolkit>(env, hostclass::ja, self);
         if (t) {
+            stopcrashreporting();
             {
                 hostcall guard;
                 env->DeleteWeakGlobalRef(t->hostref);
