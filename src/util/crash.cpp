@@ -10,6 +10,7 @@
 #include "util/assertion.h"
 #include "util/exception.h"
 #include "util/minidump.h"
+#include "util/systemproperty.h"
 
 int toolkitcount;
 
@@ -35,25 +36,12 @@ char dumppath[pathsize];
 // The host's "java.io.tmpdir", used as it stands; "/tmp" when it is missing or empty.
 void finddumpfolder(JNIEnv* env) {
     dumpfolderknown = true;
-    strcpy(dumpfolder, "/tmp");
-    hostcall guard;
-    jclass system = env->FindClass("java/lang/System");
-    jmethodID get = system ? env->GetStaticMethodID(system, "getProperty", "(Ljava/lang/String;)Ljava/lang/String;")
-                           : nullptr;
-    if (!get) {
-        env->ExceptionClear();
-        return;
+    std::string folder;
+    {
+        hostcall guard;
+        folder = systemproperty(env, "java.io.tmpdir");
     }
-    auto folder = static_cast<jstring>(env->CallStaticObjectMethod(system, get, env->NewStringUTF("java.io.tmpdir")));
-    if (env->ExceptionCheck()) {
-        env->ExceptionClear();
-        return;
-    }
-    if (!folder || env->GetStringLength(folder) == 0) return;
-    if (const char* chars = env->GetStringUTFChars(folder, nullptr)) {
-        snprintf(dumpfolder, foldersize, "%s", chars);
-        env->ReleaseStringUTFChars(folder, chars);
-    }
+    snprintf(dumpfolder, foldersize, "%s", folder.empty() ? "/tmp" : folder.c_str());
 }
 
 void namenextdump() {
