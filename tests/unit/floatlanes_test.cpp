@@ -63,7 +63,8 @@ TEST(floats8, eachgroupgetsthearithmeticoffloats4) {
         auto [wide, narrow] = eightandfours(v, v + 8);
         for (int op = 0; op < int(wide.size()); ++op)
             for (int l = 0; l < 8; ++l)  // of two NaNs, add and mul keep the one the compiler put first
-                if (!((op == 0 || op == 2) && std::isnan(v[l]) && std::isnan(v[8 + l])))
+                if (!((op == 0 || op == 2) && std::isnan(v[l]) && std::isnan(v[8 + l]))) {
                     ASSERT_EQ(wide[op][l], narrow[op][l]) << "operation " << op << " lane " << l << " round " << round;
+                }
     }
 }
