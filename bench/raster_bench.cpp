@@ -69,8 +69,8 @@ struct trianglebatch {
 
 void gouraud(benchmark::State& state, float leg) {
     trianglebatch b(leg);
-    b.run(state, choosetriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no,
-                                true, true),
+    b.run(state,
+          choosetriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, true, true),
           leg);
 }
 
@@ -81,9 +81,10 @@ BENCHMARK(BM_rastergouraud50);
 
 void BM_rastertextured1000(benchmark::State& state) {
     trianglebatch b(44.72f);
-    b.run(state, choosetriangle(recipe::plain, shading::textured, alphamode::opaque, wrapmode::repeat, blended::no,
-                                true, true),
-          44.72f);
+    b.run(
+        state,
+        choosetriangle(recipe::plain, shading::textured, alphamode::opaque, wrapmode::repeat, blended::no, true, true),
+        44.72f);
 }
 BENCHMARK(BM_rastertextured1000);
 

@@ -57,8 +57,10 @@ struct colourgroup {
     // Lane j of the first group is the start at lane b, less b steps, plus j steps.
     [[gnu::always_inline]] colourgroup(const colourrow& row, int b) {
         __m128i back = _mm_set1_epi16(static_cast<short>(b));
-        low = _mm_add_epi16(row.start, _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(0, 0, 0, 0, 1, 1, 1, 1), back), row.step));
-        high = _mm_add_epi16(row.start, _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(2, 2, 2, 2, 3, 3, 3, 3), back), row.step));
+        low = _mm_add_epi16(row.start,
+                            _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(0, 0, 0, 0, 1, 1, 1, 1), back), row.step));
+        high = _mm_add_epi16(row.start,
+                             _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(2, 2, 2, 2, 3, 3, 3, 3), back), row.step));
         step4 = _mm_slli_epi16(row.step, 2);
     }
     [[gnu::always_inline]] void advance() {
@@ -181,10 +183,10 @@ struct spanframe {
         float* const depthbase = state.targetdepth;
         const long stride = state.targetstride;
         const int viewx = state.viewport[0], clipx = state.rasterclip[0];
-        const int right = static_cast<int>(std::clamp(
-            std::min(static_cast<long long>(viewx) + state.viewport[2],
-                     static_cast<long long>(clipx) + state.rasterclip[2]),
-            static_cast<long long>(INT_MIN), static_cast<long long>(INT_MAX)));
+        const int right =
+            static_cast<int>(std::clamp(std::min(static_cast<long long>(viewx) + state.viewport[2],
+                                                 static_cast<long long>(clipx) + state.rasterclip[2]),
+                                        static_cast<long long>(INT_MIN), static_cast<long long>(INT_MAX)));
         const uint32_t* const texels = rules::textured ? s->texels[0] : nullptr;
         const uint32_t blendfactor = rules::blend ? s->blendfactor : 0;
 
@@ -225,7 +227,7 @@ struct spanframe {
                                           : rules::test ? reinterpret_cast<uintptr_t>(depthbase + offset)
                                                         : 0;
                 const int h = static_cast<int>((0 - (address >> 2)) & 3);  // pixels up to the next group
-                const int b = h ? 4 - h : 0;                                // lane of the first pixel
+                const int b = h ? 4 - h : 0;                               // lane of the first pixel
                 const int hc = std::min(h, n), m = (n - hc) >> 2, t = n - 4 * m - hc;
 
                 spangroup<M> g;
@@ -261,8 +263,9 @@ struct spanframe {
                     group<true>(g, pg, qg, _mm_set1_epi32(-1), texels, blendfactor);
                     g.advance();
                 }
-                if (t) group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), texels,
-                                    blendfactor);
+                if (t)
+                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), texels,
+                                 blendfactor);
             }
             edge = _mm_add_ps(edge, edgestep);
             if constexpr (rules::colour) modulate = _mm_add_epi16(modulate, modulatestep);
