@@ -2,6 +2,7 @@
 // as lists of variants made from the table of model and free-triangle faces. The same rule gives
 // the lists and the choice of a member for a face, so the two cannot disagree.
 #pragma once
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -114,6 +115,15 @@ static_assert(rastermembers::distinct<49>([](const trianglemember& m) { return s
 inline constexpr std::array<trianglemember, 99> trianglemembers =
     rastermembers::distinct<99>([](const trianglemember& m) { return m; }).first;
 static_assert(rastermembers::distinct<99>([](const trianglemember& m) { return m; }).second == 99);
+
+// The table's exceptions, as they stand in the lists: no alpha-mode texture is blended, and the
+// only textured members that test depth without writing it are the two alpha-mode ones under shade.
+static_assert(std::ranges::none_of(spanmembers, [](const spanmember& m) {
+    return m.get<alphamode>() == alphamode::alpha && m.get<blended>() == blended::yes;
+}));
+static_assert(std::ranges::count_if(spanmembers, [](const spanmember& m) {
+                  return m.get<shading>() == shading::textured && m.get<depthmode>() == depthmode::testonly;
+              }) == 2);
 
 // The members are built in five files, by shading and alpha mode, so that they build in parallel
 // and a change to one kind of pixel rebuilds only its file.

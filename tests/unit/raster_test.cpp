@@ -114,15 +114,10 @@ TEST_F(raster, selectionfollowsthetableofmembers) {
                     EXPECT_EQ(chosen, spanfor(m)) << m.name() << ", column " << column + 1;
                     EXPECT_EQ(choosetriangle(fold, s, a, w, b, true, column < 3), trianglefor(withrecipe(fold, m)));
                 }
-    // An alpha-mode face is never blended; a target without colour has the depth-only member; the
-    // host's free triangle has its own three.
-    const auto any = [](blended b, bool colour, bool depth) {
-        return choosetriangle(fogshade, shading::textured, alphamode::alpha, wrapmode::clamp, b, colour, depth);
-    };
-    EXPECT_EQ(any(blended::yes, true, true), any(blended::no, true, true));
-    EXPECT_EQ(any(blended::yes, false, true), trianglefor(withrecipe(plain, colourlessspan(depthmode::testwrite))));
+    // A target without colour has the depth-only member; the host's free triangle has its own.
+    EXPECT_EQ(choosetriangle(fogshade, shading::textured, alphamode::key, wrapmode::clamp, blended::yes, false, true),
+              trianglefor(withrecipe(plain, colourlessspan(depthmode::testwrite))));
     EXPECT_EQ(rawtriangle(true, true), trianglefor(withrecipe(plain, gouraudspan(depthmode::testonly, blended::no))));
-    EXPECT_EQ(rawtriangle(true, false), trianglefor(withrecipe(plain, gouraudspan(depthmode::none, blended::no))));
     EXPECT_EQ(rawtriangle(false, true), trianglefor(withrecipe(plain, colourlessspan(depthmode::none))));
     EXPECT_EQ(rawtriangle(false, false), nullptr);
 }
