@@ -34,41 +34,47 @@ constexpr spanmember colourlessspan(depthmode d) {
                       layers::single, shadowed::no);
 }
 
+// A face as the model render variants describe it: the recipe of the variant, the face's texture
+// and blending, and which buffers the target has.
+struct faceselection {
+    recipe fold;
+    shading kind;  // gouraud or textured
+    alphamode alpha;
+    wrapmode wrap;
+    blended blend;
+    bool colour, depth;
+};
+
 // The span of a model face by the table of members. Gouraud faces test and write depth, blended
 // ones only test it; textured faces with fog or shade add `addcolour`, and an alpha-mode texture
 // under shade tests depth without writing it. An alpha-mode face is never blended.
-constexpr spanmember modelspan(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth) {
-    if (!colour) return colourlessspan(depth ? depthmode::testwrite : depthmode::none);
-    if (s == shading::gouraud)
-        return gouraudspan(!depth              ? depthmode::none
-                           : b == blended::yes ? depthmode::testonly
-                                               : depthmode::testwrite,
-                           b);
-    if (a == alphamode::alpha) b = blended::no;
-    bool shade = r == recipe::fogshade || r == recipe::shadeonly;
-    depthmode d = !depth                           ? depthmode::none
-                  : a == alphamode::alpha && shade ? depthmode::testonly
-                                                   : depthmode::testwrite;
-    return spanmember(s, d, a, w, b, r == recipe::plain ? addterm::no : addterm::yes, layers::single, shadowed::no);
+constexpr spanmember modelspan(const faceselection& f) {
+    if (!f.colour) return colourlessspan(f.depth ? depthmode::testwrite : depthmode::none);
+    if (f.kind == shading::gouraud)
+        return gouraudspan(!f.depth                  ? depthmode::none
+                           : f.blend == blended::yes ? depthmode::testonly
+                                                     : depthmode::testwrite,
+                           f.blend);
+    const bool alpha = f.alpha == alphamode::alpha, shade = f.fold == recipe::fogshade || f.fold == recipe::shadeonly;
+    const depthmode d = !f.depth ? depthmode::none : alpha && shade ? depthmode::testonly : depthmode::testwrite;
+    return spanmember(f.kind, d, f.alpha, f.wrap, alpha ? blended::no : f.blend,
+                      f.fold == recipe::plain ? addterm::no : addterm::yes, layers::single, shadowed::no);
 }
 
 // Colourless members set up no colours, so they have one triangle function whatever the recipe.
-constexpr trianglemember modeltriangle(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour,
-                                       bool depth) {
-    return withrecipe(colour ? r : recipe::plain, modelspan(r, s, a, w, b, colour, depth));
+constexpr trianglemember modeltriangle(const faceselection& f) {
+    return withrecipe(f.colour ? f.fold : recipe::plain, modelspan(f));
 }
 
 // The free triangle of the host: a plain Gouraud face that tests depth and never writes it, or
 // with depth alone, a walk of its rows that stores nothing.
 constexpr trianglemember rawmember(bool colour, bool depth) {
     if (colour && depth) return withrecipe(recipe::plain, gouraudspan(depthmode::testonly, blended::no));
-    return modeltriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, colour,
-                         false);
+    return modeltriangle(
+        {recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, colour, false});
 }
 
-namespace rastermembers {
-
-// Every face the model table knows, as a list of its triangle members, then the free triangles.
+// Every face the model table knows, on a target with at least one buffer.
 template <class Visit>
 constexpr void everyface(Visit visit) {
     for (int r = 0; r < axiscount<recipe>; ++r)
@@ -79,25 +85,29 @@ constexpr void everyface(Visit visit) {
                         for (bool colour : {true, false})
                             for (bool depth : {true, false})
                                 if (colour || depth)
-                                    visit(modeltriangle(recipe(r), s, alphamode(a), wrapmode(w), blended(b), colour,
-                                                        depth));
-    visit(rawmember(true, true));
-    visit(rawmember(false, true));
+                                    visit(faceselection{recipe(r), s, alphamode(a), wrapmode(w), blended(b), colour,
+                                                        depth});
 }
 
-// The distinct values of `pick` over every face, in the order they first appear.
+namespace rastermembers {
+
+// The distinct values of `pick` over every face and the free triangles, in the order they first
+// appear.
 template <size_t N, class Pick>
 constexpr auto distinct(Pick pick) {
     using member = decltype(pick(trianglemember{}));
     std::array<member, N> list{};
     size_t n = 0;
-    everyface([&](const trianglemember& m) {
+    auto add = [&](const trianglemember& m) {
         member v = pick(m);
         for (size_t i = 0; i < n; ++i)
             if (list[i] == v) return;
         if (n < N) list[n] = v;
         ++n;
-    });
+    };
+    everyface([&](const faceselection& f) { add(modeltriangle(f)); });
+    add(rawmember(true, true));
+    add(rawmember(false, true));
     return std::pair{list, n};
 }
 
@@ -143,6 +153,16 @@ struct memberfile {
     static constexpr const auto& spans = spanlist;
     std::array<trianglefunction, triangles.size()> trianglefunctions;
     std::array<spanfunction, spans.size()> spanfunctions;
+
+    // The place of a member's function, or null where this file does not build it.
+    constexpr const trianglefunction* find(const trianglemember& m) const {
+        int i = indexof(triangles, m);
+        return i < 0 ? nullptr : &trianglefunctions[size_t(i)];
+    }
+    constexpr const spanfunction* find(const spanmember& m) const {
+        int i = indexof(spans, m);
+        return i < 0 ? nullptr : &spanfunctions[size_t(i)];
+    }
 };
 
 using gouraudfile = memberfile<gouraudslice<trianglemembers>, gouraudslice<spanmembers>>;
