@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 #include "pixel/variants.h"
 #include "raster/raster.h"
@@ -126,14 +127,68 @@ inline constexpr std::array<trianglemember, 99> trianglemembers =
     rastermembers::distinct<99>([](const trianglemember& m) { return m; }).first;
 static_assert(rastermembers::distinct<99>([](const trianglemember& m) { return m; }).second == 99);
 
-// The table's exceptions, as they stand in the lists: no alpha-mode texture is blended, and the
-// only textured members that test depth without writing it are the two alpha-mode ones under shade.
-static_assert(std::ranges::none_of(spanmembers, [](const spanmember& m) {
-    return m.get<alphamode>() == alphamode::alpha && m.get<blended>() == blended::yes;
-}));
-static_assert(std::ranges::count_if(spanmembers, [](const spanmember& m) {
-                  return m.get<shading>() == shading::textured && m.get<depthmode>() == depthmode::testonly;
-              }) == 2);
+// The table of model and free-triangle spans as it stands, checked against the rule above when the
+// library is compiled: a row per texture mode or Gouraud kind, a column per target and recipe (with
+// depth: fogshade or shadeonly, fogonly, plain; without depth: fog or shade, plain). A cell is the
+// depth work of its function (w testwrite, o testonly, n none) or names the function it shares:
+// 1 that of column 1, = that of the column before. Alpha-mode textures under shade, and blended
+// Gouraud faces, test depth without writing it; no alpha-mode texture is blended.
+namespace rastertable {
+
+struct row {
+    shading kind;
+    alphamode alpha;
+    wrapmode wrap;
+    blended blend;
+    const char* cells;
+};
+
+using enum recipe;
+struct column {
+    int count;
+    recipe folds[3];
+};
+inline constexpr column columns[5] = {
+    {2, {fogshade, shadeonly}}, {1, {fogonly}}, {1, {plain}}, {3, {fogshade, fogonly, shadeonly}}, {1, {plain}}};
+
+inline constexpr row rows[] = {{shading::textured, alphamode::alpha, wrapmode::repeat, blended::no, "owwnn"},
+                               {shading::textured, alphamode::alpha, wrapmode::clamp, blended::no, "owwnn"},
+                               {shading::textured, alphamode::key, wrapmode::repeat, blended::no, "w1wnn"},
+                               {shading::textured, alphamode::key, wrapmode::clamp, blended::no, "w1wnn"},
+                               {shading::textured, alphamode::opaque, wrapmode::repeat, blended::no, "w1wnn"},
+                               {shading::textured, alphamode::opaque, wrapmode::clamp, blended::no, "w1wnn"},
+                               {shading::textured, alphamode::key, wrapmode::repeat, blended::yes, "w1wnn"},
+                               {shading::textured, alphamode::key, wrapmode::clamp, blended::yes, "w1wnn"},
+                               {shading::textured, alphamode::opaque, wrapmode::repeat, blended::yes, "w1wnn"},
+                               {shading::textured, alphamode::opaque, wrapmode::clamp, blended::yes, "w1wnn"},
+                               {shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, "w==n="},
+                               {shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::yes, "o==n="}};
+
+constexpr spanmember cell(const row& r, int column, recipe fold) {
+    return modelspan({fold, r.kind, r.alpha, r.wrap, r.blend, true, column < 3});
+}
+
+constexpr bool holds() {
+    for (const row& r : rows)
+        for (int column = 0; column < 5; ++column)
+            for (int k = 0; k < columns[column].count; ++k) {
+                const recipe fold = columns[column].folds[k];
+                const char c = r.cells[column];
+                const int shared = c == '1' ? 0 : column - 1;
+                const bool textured = r.kind == shading::textured;
+                const spanmember own(r.kind, depthmode(std::string_view("won").find(c)), r.alpha, r.wrap, r.blend,
+                                     textured && fold != plain ? addterm::yes : addterm::no, layers::single,
+                                     shadowed::no);
+                if (cell(r, column, fold) != (c == '1' || c == '=' ? cell(r, shared, columns[shared].folds[0]) : own))
+                    return false;
+            }
+    // An alpha-mode face asked for blended is the unblended one.
+    return modelspan({fogonly, shading::textured, alphamode::alpha, wrapmode::clamp, blended::yes, true, true}) ==
+           cell(rows[1], 1, fogonly);
+}
+static_assert(holds());
+
+}  // namespace rastertable
 
 // The members are built in five files, by shading and alpha mode, so that they build in parallel
 // and a change to one kind of pixel rebuilds only its file.
@@ -154,15 +209,13 @@ struct memberfile {
     std::array<trianglefunction, triangles.size()> trianglefunctions;
     std::array<spanfunction, spans.size()> spanfunctions;
 
-    // The place of a member's function, or null where this file does not build it.
+    // Whether this file builds a member, and the place of its function.
+    static constexpr bool builds(const trianglemember& m) { return indexof(triangles, m) >= 0; }
+    static constexpr bool builds(const spanmember& m) { return indexof(spans, m) >= 0; }
     constexpr const trianglefunction* find(const trianglemember& m) const {
-        int i = indexof(triangles, m);
-        return i < 0 ? nullptr : &trianglefunctions[size_t(i)];
+        return &trianglefunctions[size_t(indexof(triangles, m))];
     }
-    constexpr const spanfunction* find(const spanmember& m) const {
-        int i = indexof(spans, m);
-        return i < 0 ? nullptr : &spanfunctions[size_t(i)];
-    }
+    constexpr const spanfunction* find(const spanmember& m) const { return &spanfunctions[size_t(indexof(spans, m))]; }
 };
 
 using gouraudfile = memberfile<gouraudslice<trianglemembers>, gouraudslice<spanmembers>>;

@@ -6,12 +6,14 @@
 
 namespace {
 
+// The place of a member's function in the file that builds it, or null.
 template <class Member>
 constexpr auto slotof(const Member& m) {
     decltype(gouraudmembers.find(m)) found = nullptr;
-    for (auto slot : {gouraudmembers.find(m), colourlessmembers.find(m), opaquemembers.find(m), keymembers.find(m),
-                      alphamembers.find(m)})
-        if (slot) found = slot;
+    auto look = [&](const auto& file) {
+        if (file.builds(m)) found = file.find(m);
+    };
+    look(gouraudmembers), look(colourlessmembers), look(opaquemembers), look(keymembers), look(alphamembers);
     return found;
 }
 
