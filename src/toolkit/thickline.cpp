@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "toolkit/freetriangle.h"
+#include "util/frame.h"
 #include "util/wrappingabs.h"
 
 // (a, b) is the direction in 16.16, one unit along the longer axis; (b, a) with one sign turned
@@ -25,3 +27,26 @@ bool thicklinecorners(const toolkit& t, int x1, int y1, int x2, int y2, int widt
     q.y[3] = q.y[0] + dy;
     return true;
 }
+
+// Two flat triangles over the quad, sharing its diagonal from the first corner to the third.
+void drawthickline(toolkit& t, int x1, int y1, int x2, int y2, uint32_t colour, int width) {
+    if (!t.colourbuffer) return;
+    thickquad q;
+    if (!thicklinecorners(t, x1, y1, x2, y2, width, q)) return;
+    const uint32_t colours[3] = {colour, colour, colour};
+    for (int second : {1, 2}) {
+        const float xy[6] = {static_cast<float>(q.x[0]),          static_cast<float>(q.y[0]),
+                             static_cast<float>(q.x[second]),     static_cast<float>(q.y[second]),
+                             static_cast<float>(q.x[second + 1]), static_cast<float>(q.y[second + 1])};
+        drawfreetriangle(xy, colours);
+    }
+}
+
+extern "C" {
+
+JNIEXPORT void JNICALL Java_a_K(JNIEnv* env, jobject, jlong, jint, jint x1, jint y1, jint x2, jint y2, jint colour,
+                                jint width, jint) {
+    runexport(env, [&] { drawthickline(*currenttoolkit, x1, y1, x2, y2, static_cast<uint32_t>(colour), width); });
+}
+
+}  // extern "C"
