@@ -2,9 +2,11 @@
 
 #include <emmintrin.h>
 
+#include "raster/raster.h"
 #include "toolkit/blend.h"
 #include "toolkit/disc.h"
 #include "toolkit/projection.h"
+#include "toolkit/texturestore.h"
 #include "util/arraypin.h"
 #include "util/truncate.h"
 #include "util/wrappingabs.h"
@@ -44,14 +46,28 @@ bool placeparticle(const toolkit& t, const int* position, int size, particleplac
     return true;
 }
 
+// The forms by the target's buffers differ only in the span member of the squares: a target
+// without colour gets the depth-only member, and its discs draw nothing.
 void drawparticles(toolkit& t, const int* positions, const int* colours, const int* sizes, const int16_t* textures,
                    int count) {
-    if (!rasterstate.targetcolour && !rasterstate.targetdepth) return;
+    const bool colour = rasterstate.targetcolour, depth = rasterstate.targetdepth;
+    if (!colour && !depth) return;
     for (int i = 0; i < count; ++i) {
         particleplace at;
         if (!placeparticle(t, positions + 3 * i, sizes[i], at)) continue;
-        const auto colour = static_cast<uint32_t>(colours[i]);
-        if (textures[i] == -1) drawdisc(t, at.x, at.y, at.d >> 1, at.z, colour, blend);
+        const auto tint = static_cast<uint32_t>(colours[i]);
+        if (textures[i] == -1) {
+            drawdisc(t, at.x, at.y, at.d >> 1, at.z, tint, blend);
+            continue;
+        }
+        // The host may be asked to load it here.
+        const texturerecord* r = gettexture(textures[i]);
+        if (!r) continue;
+        const wrapmode wrap = r->flagfive || r->flagsix ? wrapmode::repeat : wrapmode::clamp;
+        const spanfunction span =
+            choosespan(recipe::plain, shading::textured, alphamodeof(r->value), wrap, blended::no, colour, depth);
+        const int half = at.d >> 1;
+        drawsquare(span, at.x - half, at.y - half, at.d + 1, at.z, tint, r->pixels);
     }
 }
 

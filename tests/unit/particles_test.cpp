@@ -5,6 +5,10 @@
 #include <gtest/gtest.h>
 
 #include "statetest.h"
+#include "target.h"
+#include "testhost.h"
+#include "toolkit/disc.h"
+#include "toolkit/texturestore.h"
 
 namespace {
 
@@ -79,6 +83,52 @@ TEST_F(particles, sizegoesalongthefirstcolumnoftheviewmatrix) {
     EXPECT_EQ(at.x, 71);
     EXPECT_EQ(at.y, 67);
     EXPECT_EQ(at.d, 3);
+}
+
+// A disc, a square of a texture of zero texels, a texture the host declines, and two particles
+// skipped before their texture is asked for, on each form of target. The disc is blended at the
+// particle's depth with radius d / 2; the square covers d + 1 pixels from d / 2 left of and above
+// the centre, and takes the particle's depth where the target has depth.
+TEST_F(particles, discsandsquaresoneachtarget) {
+    const int positions[] = {-44 * unit, 0, 0, 0, 0, 0, 30 * unit, 0, 0, 0, 0, 0, 100 * unit, 0, 0};
+    const int colours[] = {static_cast<int>(0x80FF0000u), -1, -1, -1, -1}, sizes[] = {5 * 2048, 4 * 2048, 4096, 0, 4096};
+    const int16_t textures[] = {-1, 20, 5, 21, 22};
+    const std::vector<uint32_t> zeros(128 * 128);
+    for (bool colour : {true, false})
+        for (bool depth : {true, false}) {
+            testhost host;
+            texturestore* store = host.t.textures = maketexturestore(64);
+            host.load = [&](int id) {
+                if (id >= 10) loadtexture(*store, id, texturedescriptor{}, zeros.data());
+                return id >= 10;
+            };
+            testtarget g(128, 128, true), expected(128, 128, true);
+            for (testtarget* target : {&g, &expected}) {
+                std::copy(t.viewprojection, t.viewprojection + 16, target->t.viewprojection);
+                std::copy(t.viewmatrix, t.viewmatrix + 16, target->t.viewmatrix);
+                std::fill(target->colour.get(), target->colour.get() + 128 * 128, 0xFFFFFFFFu);
+                std::fill(target->depth.get(), target->depth.get() + 128 * 128, 1.0f);
+                target->t.colourbuffer = colour ? target->colour.get() : nullptr;
+                target->t.depthbuffer = depth ? target->depth.get() : nullptr;
+            }
+            rasterstate.targetcolour = g.t.colourbuffer;
+            rasterstate.targetdepth = g.t.depthbuffer;
+            rasterstate.targetstride = 128;
+            drawparticles(g.t, positions, colours, sizes, textures, 5);
+
+            drawdisc(expected.t, 20, 64, 2, 0.5f, 0x80FF0000, blend);
+            for (int y = 62; y <= 66 && (colour || depth); ++y)
+                for (int x = 62; x <= 66; ++x) {
+                    if (colour) expected.at(x, y) = 0;
+                    if (depth) expected.depth[y * 128 + x] = 0.5f;
+                }
+            const std::string form = std::string(colour ? "colour" : "") + (depth ? " depth" : "");
+            EXPECT_EQ(host.loads, (colour || depth ? std::vector<int>{20, 5} : std::vector<int>{})) << form;
+            EXPECT_EQ(firstdifference(g, std::vector<uint32_t>(expected.colour.get(), expected.colour.get() + 128 * 128)),
+                      -1) << form;
+            EXPECT_TRUE(std::equal(g.depth.get(), g.depth.get() + 128 * 128, expected.depth.get())) << form;
+            destroytexturestore(store);
+        }
 }
 
 }  // namespace
