@@ -13,17 +13,11 @@
 
 namespace {
 
-// x, y and z times 32767, truncated and packed with saturation to 16 bits, against the screen
-// bounds all at once: right, bottom and far are the last positions inside, left and top are 0
-// whatever the viewport, and the depth must lie beyond near.
+// The screen test of a single point, on its x, y, z and z.
 bool insidescreen(__m128 screen) {
-    const __m128 xyzz = _mm_shuffle_ps(screen, screen, _MM_SHUFFLE(2, 2, 1, 0));
-    const __m128i v = _mm_cvttps_epi32(_mm_mul_ps(xyzz, _mm_setr_ps(1.0f, 1.0f, 32767.0f, 32767.0f)));
-    const __m128i p = _mm_packs_epi32(v, v);
-    const __m128i bounds = _mm_load_si128(reinterpret_cast<const __m128i*>(rasterstate.screenbounds));
-    const int beyond = _mm_movemask_epi8(_mm_cmpgt_epi16(p, bounds)) & 0xFF;
-    const int below = _mm_movemask_epi8(_mm_cmpgt_epi16(_mm_setzero_si128(), p)) & 0xFF;
-    return beyond == 0xC0 && below == 0;
+    alignas(16) float xyzz[4];
+    _mm_store_ps(xyzz, _mm_shuffle_ps(screen, screen, _MM_SHUFFLE(2, 2, 1, 0)));
+    return screenside(xyzz) == onscreen;
 }
 
 }  // namespace
