@@ -37,8 +37,8 @@ class RenderClientTest {
             int[] at = {-8 << 12, 0, 0, 0, 0, 0, 8 << 12, 0, 0}, colours = {-1, -1, 0xFFFF0000}, sizes = {4096, 4096, 4096};
             client.b(client.nativeid, 0, at, colours, sizes, new short[] {300, 50, -1}, 3);
             assertEquals(List.of((short) 300, (short) 50), h.asked);
-            int[] row = new int[] {s.pixel(6, 16), s.pixel(9, 16), s.pixel(10, 16), s.pixel(16, 16), s.pixel(24, 16)};
-            assertArrayEquals(new int[] {-1, 0, -1, -1, 0xFFFF0000}, row);
+            assertArrayEquals(new int[] {-1, 0, -1, -1, 0xFFFF0000},
+                              new int[] {s.pixel(6, 16), s.pixel(9, 16), s.pixel(10, 16), s.pixel(16, 16), s.pixel(24, 16)});
             h.failure = new IllegalStateException();
             assertSame(h.failure, assertThrows(IllegalStateException.class,
                 () -> client.b(client.nativeid, 0, at, colours, sizes, new short[] {300, 400, -1}, 3)));

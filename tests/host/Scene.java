@@ -8,7 +8,7 @@ final class Scene implements AutoCloseable {
         this(new ja(), null, width, height);
     }
 
-    // With the host's own toolkit, and a store of textures when a source is given.
+    // With the host's own toolkit class, and textures when a source is given.
     Scene(ja toolkit, Object source, int width, int height) {
         this.toolkit = toolkit;
         this.width = width;
