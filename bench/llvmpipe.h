@@ -1,5 +1,7 @@
 // The peer that triangles are measured against: Mesa's llvmpipe through OSMesa, legacy GL, one
-// thread, drawing into a framebuffer object of a colour (RGBA8) and a float depth buffer.
+// thread, drawing into a framebuffer object of a colour (RGBA8) and a float depth buffer. Its
+// shaders use AVX2 where the processor has it; the driver reads the processor's abilities once a
+// process, so the SSE2-only peer is a run of its own with GALLIUM_OVERRIDE_CPU_CAPS=sse2.
 #pragma once
 #include <cstdint>
 #include <vector>
