@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstdint>
 
 #include "raster/members.h"
@@ -21,6 +22,16 @@ namespace spanlanes {
 [[gnu::always_inline]] inline __m128i lanesfrom(int from) {
     alignas(16) static constexpr int32_t above[8] = {0, 0, 0, 0, -1, -1, -1, -1};
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(above + 4 - from));
+}
+
+// z0 - b * dz in extended precision, rounded once to a float. b * dz is exact in a double, and
+// so is the difference unless b * dz is more than 2^27 times z0; a difference too small to reach
+// z0's last bit leaves z0 in both precisions. The rest goes through the extended type.
+[[gnu::always_inline]] inline float firstz(float z0, float dz, int b) {
+    const double step = static_cast<double>(b) * static_cast<double>(dz);
+    if (__builtin_expect(std::fabs(step) > std::fabs(static_cast<double>(z0)) * 134217728.0, 0))
+        return static_cast<float>(static_cast<long double>(z0) - static_cast<long double>(step));
+    return static_cast<float>(static_cast<double>(z0) - step);
 }
 
 // A colour lane set's left and right halves as float lanes, the difference per pixel with the
@@ -221,9 +232,7 @@ struct spanframe {
                 const float zl = _mm_cvtss_f32(_mm_shuffle_ps(edge, edge, 1));
                 const float dz = (_mm_cvtss_f32(_mm_shuffle_ps(edge, edge, 3)) - zl) * inv;
                 const float z0 = dz * skip + zl;
-                // The first group's z is rounded once from extended precision.
-                const float zfirst = static_cast<float>(static_cast<long double>(z0) -
-                                                        static_cast<long double>(b) * static_cast<long double>(dz));
+                const float zfirst = spanlanes::firstz(z0, dz, b);
                 g.z = _mm_add_ps(_mm_set1_ps(zfirst), _mm_mul_ps(_mm_setr_ps(0.0f, 1.0f, 2.0f, 3.0f), _mm_set1_ps(dz)));
                 g.zstep4 = _mm_mul_ps(_mm_set1_ps(4.0f), _mm_set1_ps(dz));
                 const __m128 invs = _mm_set1_ps(inv), skips = _mm_set1_ps(skip);

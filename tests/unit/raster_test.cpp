@@ -111,7 +111,7 @@ protected:
         int top = std::max(r.viewport[1], r.rasterclip[1]);
         int bottom = std::min(r.viewport[1] + r.viewport[3], r.rasterclip[1] + r.rasterclip[3]);
         s.y = top + static_cast<int>(rng() % static_cast<unsigned>(std::max(bottom - top, 1)));
-        s.rows = std::min(static_cast<int>(rng() % 4), bottom - s.y);
+        s.rows = std::min(static_cast<int>(rng() % 5) - 1, bottom - s.y);
         float left = coordinate(rng, -6.0f, width + 2.0f), z = depth(rng), right = depth(rng);
         float edge[4] = {left, z, left + static_cast<float>(rng() % 34) + uniform(rng, 0.0f, 1.0f), rng() % 4 ? right : z};
         for (int i = 0; i < 4; ++i) {
@@ -159,6 +159,116 @@ TEST_F(raster, everymembermatchesthereference) {
             ASSERT_TRUE(same()) << m.name() << " span, case " << c;
             ASSERT_TRUE(sameadvanced(m, a, b)) << m.name() << " span record, case " << c;
         }
+}
+
+// Faces around every side of the screen, out to where x and y saturate, and on both sides of the
+// near and far depths; one counter-clockwise face is kept and its mirror image dropped.
+TEST_F(raster, accepttestmatchesthereference) {
+    testrng rng(3);
+    setviewport(3, 2, 40, 30, 0.1f, 0.9f);
+    for (int c = 0; c < 100000; ++c) {
+        alignas(16) float v[3][4];
+        const float far = c % 16 ? 30.0f : 40000.0f;
+        for (float* p : v) {
+            p[0] = coordinate(rng, -far, 40.0f + far), p[1] = coordinate(rng, -far, 30.0f + far);
+            p[2] = p[3] = anyof(rng, {0.1f, 0.9f, uniform(rng, -0.2f, 1.2f)});
+        }
+        ASSERT_EQ(accepttriangle(v[0], v[1], v[2]), rasterreference::accept(v[0], v[1], v[2])) << "case " << c;
+    }
+    const float a[4] = {0, 0, 0.5f, 0.5f}, b[4] = {0, 1, 0.5f, 0.5f}, c[4] = {1, 0, 0.5f, 0.5f};
+    EXPECT_TRUE(accepttriangle(a, b, c));
+    EXPECT_FALSE(accepttriangle(a, c, b));
+}
+
+// The table of model faces as it stands, row by row: each cell's depth work, column 1 to 5 (with
+// depth: shade, fog only, plain; without depth: fog or shade, plain), or the cell it shares a
+// function with. A cell's recipe: fogshade or shadeonly, fogonly, plain, any with fog or shade.
+TEST(rasterselection, followsthetableofmembers) {
+    struct row {
+        shading s;
+        alphamode a;
+        blended b;
+        const char* cells;  // o testonly, w testwrite, n none, 1 as column 1, = as the column before
+    };
+    const row table[] = {{shading::textured, alphamode::alpha, blended::no, "owwnn"},
+                         {shading::textured, alphamode::key, blended::no, "w1wnn"},
+                         {shading::textured, alphamode::opaque, blended::no, "w1wnn"},
+                         {shading::textured, alphamode::key, blended::yes, "w1wnn"},
+                         {shading::textured, alphamode::opaque, blended::yes, "w1wnn"},
+                         {shading::gouraud, alphamode::opaque, blended::no, "w==n="},
+                         {shading::gouraud, alphamode::opaque, blended::yes, "o==n="}};
+    const recipe recipes[5][3] = {{recipe::fogshade, recipe::shadeonly, recipe::fogshade},
+                                  {recipe::fogonly, recipe::fogonly, recipe::fogonly},
+                                  {recipe::plain, recipe::plain, recipe::plain},
+                                  {recipe::fogshade, recipe::fogonly, recipe::shadeonly},
+                                  {recipe::plain, recipe::plain, recipe::plain}};
+    for (const row& r : table)
+        for (wrapmode w : {wrapmode::repeat, wrapmode::clamp})
+            for (int column = 0; column < 5; ++column)
+                for (recipe fold : recipes[column]) {
+                    const bool depth = column < 3;
+                    const spanfunction chosen = choosespan(fold, r.s, r.a, w, r.b, true, depth);
+                    char cell = r.cells[column];
+                    if (cell == '1' || cell == '=') {
+                        const int other = cell == '1' ? 0 : column - 1;
+                        EXPECT_EQ(chosen, choosespan(recipes[other][0], r.s, r.a, w, r.b, true, other < 3));
+                        continue;
+                    }
+                    const depthmode d = cell == 'o' ? depthmode::testonly : cell == 'w' ? depthmode::testwrite
+                                                                                        : depthmode::none;
+                    const bool textured = r.s == shading::textured;
+                    spanmember m(r.s, d, r.a, textured ? w : wrapmode::repeat, r.b,
+                                 textured && fold != recipe::plain ? addterm::yes : addterm::no, layers::single,
+                                 shadowed::no);
+                    EXPECT_EQ(chosen, spanfor(m)) << m.name() << ", column " << column + 1;
+                    EXPECT_EQ(choosetriangle(fold, r.s, r.a, w, r.b, true, depth), trianglefor(withrecipe(fold, m)));
+                }
+    // An alpha-mode face is never blended; a target without colour has one member, without either none.
+    EXPECT_EQ(choosespan(recipe::plain, shading::textured, alphamode::alpha, wrapmode::clamp, blended::yes, true, true),
+              choosespan(recipe::plain, shading::textured, alphamode::alpha, wrapmode::clamp, blended::no, true, true));
+    const trianglemember depthonly(recipe::plain, shading::colourless, depthmode::testwrite, alphamode::opaque,
+                                   wrapmode::repeat, blended::no, addterm::no, layers::single, shadowed::no);
+    EXPECT_EQ(choosetriangle(recipe::fogshade, shading::textured, alphamode::key, wrapmode::clamp, blended::yes, false,
+                             true),
+              trianglefor(depthonly));
+    EXPECT_EQ(choosetriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false,
+                             false),
+              nullptr);
+    // The host's free triangle.
+    EXPECT_EQ(rawtriangle(true, true), trianglefor(withrecipe(recipe::plain, gouraudspan(depthmode::testonly, blended::no))));
+    EXPECT_EQ(rawtriangle(true, false), choosetriangle(recipe::plain, shading::gouraud, alphamode::opaque,
+                                                       wrapmode::repeat, blended::no, true, false));
+    EXPECT_EQ(rawtriangle(false, true), trianglefor(depthonly.with(depthmode::none)));
+    EXPECT_EQ(rawtriangle(false, false), nullptr);
+}
+
+// A particle's square covers exactly its part of the viewport and clip rectangle, in colour through
+// a textured member and in depth through the depth-only one.
+TEST_F(raster, squarecoversitsclippedarea) {
+    std::fill_n(texels.get(), 128 * 256, 0xFF808080u);
+    const spanfunction coloured = choosespan(recipe::plain, shading::textured, alphamode::key, wrapmode::repeat,
+                                             blended::no, true, false);
+    const spanfunction depthonly = choosespan(recipe::plain, shading::textured, alphamode::key, wrapmode::repeat,
+                                              blended::no, false, true);
+    for (int c = 0; c < 2000; ++c) {
+        testrng rng(c);
+        scene(rng);
+        target(0);
+        const int x = static_cast<int>(rng() % 80) - 20, y = static_cast<int>(rng() % 70) - 20, side = 1 + rng() % 40;
+        for (int i = 0; i < width * height; ++i) colour[0][i] = 0, depths[0][i] = 1.0f;
+        drawsquare(coloured, x, y, side, 0.5f, 0xFFFFFFFF, texels.get());
+        drawsquare(depthonly, x, y, side, 0.5f, 0xFFFFFFFF, texels.get());
+        const rasterstatedata& r = rasterstate;
+        for (int py = 0; py < height; ++py)
+            for (int px = 0; px < width; ++px) {
+                auto inside = [](int v, int from, int size) { return v >= from && v < from + size; };
+                bool in = inside(px, x, side) && inside(py, y, side) && inside(px, r.viewport[0], r.viewport[2]) &&
+                          inside(py, r.viewport[1], r.viewport[3]) && inside(px, r.rasterclip[0], r.rasterclip[2]) &&
+                          inside(py, r.rasterclip[1], r.rasterclip[3]);
+                ASSERT_EQ(colour[0][py * width + px] != 0, in) << "case " << c << ", pixel " << px << ", " << py;
+                ASSERT_EQ(depths[0][py * width + px], in ? 0.5f : 1.0f) << "case " << c;
+            }
+    }
 }
 
 }  // namespace
