@@ -11,56 +11,14 @@
 #include <string>
 #include <vector>
 
+#include "shapereference.h"
 #include "target.h"
 
 namespace {
 
-struct span {
-    long long row, from, to;  // both ends included
-};
-
-std::vector<span> discspans(const int* clip, long long x, long long y, int radius) {
-    std::vector<span> out;
-    const long long left = clip[0], right = clip[2];
-    long long r = std::llabs(radius), c = r * r;
-    long long top = std::max(y - r, static_cast<long long>(clip[1]));
-    long long bottom = std::min(y + r + 1, static_cast<long long>(clip[3]));
-    long long mid = std::min(y, bottom), row = top;
-    long long dy = y - top, a = dy * dy, b = a - dy, hw = 0;
-    for (; row < mid; ++row) {
-        while (b <= c || a <= c) {
-            a += 2 * hw;
-            b += 2 * hw;
-            hw += 1;
-        }
-        out.push_back({row, std::max(x - hw + 1, left), std::min(x + hw, right) - 1});
-        a -= 2 * dy;
-        dy -= 1;
-        b -= 2 * dy;
-    }
-    hw = r;
-    long long p = dy * dy + c, q = p - hw, s = p + dy, st = -2 * dy;
-    for (; row < bottom; ++row) {
-        if (s > c) {
-            long long e = 2 * hw;
-            while (s > c && q > c) {
-                s -= e;
-                e -= 2;
-                q -= e;
-                hw -= 1;
-            }
-        }
-        out.push_back({row, std::max(x - hw, left), std::min(x + hw, right - 1)});
-        q += st;
-        s += st;
-        st += 2;
-    }
-    return out;
-}
-
 void expectdisc(testtarget& g, int x, int y, int radius, float z, uint32_t colour, int mode) {
     std::vector<uint32_t> expected(g.colour.get(), g.colour.get() + g.pixels());
-    for (const span& s : discspans(g.t.cliprect, x, y, radius))
+    for (const auto& s : shapereference::discspans(g.t.cliprect, x, y, radius))
         for (long long px = s.from; px <= s.to; ++px) {
             long long i = s.row * g.t.width + px;
             if (!g.t.depthbuffer || g.t.depthbuffer[i] > z) expected[i] = ruledpixel(mode, expected[i], colour);
@@ -116,7 +74,7 @@ TEST(disc, matchesthestepwisewalk) {
                             for (int i = 0; i < g.pixels(); ++i) g.depth[i] = static_cast<float>(rng() % 7) - 1.0f;
                         }
                         const float z = static_cast<float>(rng() % 5);
-                        expectdisc(g, x, y, radius, z, randompixel(rng), mode);
+                        expectdisc(g, x, y, radius, z, rng.pixel(), mode);
                         mode = (mode + 1) % 3;
                         if (HasFatalFailure()) return;
                     }
@@ -135,7 +93,7 @@ TEST(disc, largeradiimatchthestepwisewalk) {
         int x = 20 + static_cast<int>(std::lround(std::cos(angle) * (radius + static_cast<int>(rng() % 40) - 20)));
         int y = 15 + static_cast<int>(std::lround(std::sin(angle) * (radius + static_cast<int>(rng() % 40) - 20)));
         setcliprect(g.t, rng() % 10, rng() % 10, 40 - rng() % 10, 30 - rng() % 10);
-        expectdisc(g, x, y, radius, 0, randompixel(rng), i % 3);
+        expectdisc(g, x, y, radius, 0, rng.pixel(), i % 3);
         if (HasFatalFailure()) return;
     }
 }

@@ -30,7 +30,7 @@ TEST(glyphpixels, blendsmatchthedefinitionforeverybyteandopacity) {
 TEST(glyphpixels, rowsmatchthereferenceineverypositionofeverylength) {
     testrng rng(7);
     std::vector<uint32_t> palette(256);
-    for (auto& p : palette) p = randompixel(rng);
+    for (auto& p : palette) p = rng.pixel();
     for (uint32_t colour : {0xFF336699u, 0x00336699u, 0x80FFFF00u})
         for (int n = 0; n <= 13; ++n)
             for (int start = 0; start < 4; ++start)
@@ -41,7 +41,7 @@ TEST(glyphpixels, rowsmatchthereferenceineverypositionofeverylength) {
                         b = static_cast<uint8_t>(pick == 0 ? 0 : pick == 1 ? 255 : rng());
                     }
                     std::vector<uint32_t> before(start + n + 1);
-                    for (auto& p : before) p = randompixel(rng);
+                    for (auto& p : before) p = rng.pixel();
                     auto check = [&](glyphform form, const auto& kernel) {
                         std::vector<uint32_t> out = before, expected = before;
                         paintrow(out.data() + start, bytes.data() + start, n, kernel);

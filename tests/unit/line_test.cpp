@@ -11,34 +11,14 @@
 #include <utility>
 #include <vector>
 
+#include "shapereference.h"
 #include "target.h"
 #include "testmask.h"
 
 namespace {
 
-using point = std::pair<long long, long long>;
-
-// Ends ordered so that dx + dy >= 0; the longer axis (y on a tie) counts up from the first end,
-// and point i lies i steps of round-half-up((minor << 16) / major) from the centre of the first
-// pixel. Only points whose major coordinate lies in [-100, 100] are listed.
-std::vector<point> linepoints(long long x1, long long y1, long long x2, long long y2) {
-    long long dx = x2 - x1, dy = y2 - y1;
-    if (dx + dy < 0) {
-        std::swap(x1, x2);
-        std::swap(y1, y2);
-        dx = -dx;
-        dy = -dy;
-    }
-    bool ymajor = dx <= dy;
-    long long major = ymajor ? dy : dx, minor = ymajor ? dx : dy, first = ymajor ? y1 : x1;
-    long long step = major ? static_cast<long long>(std::floor(static_cast<double>(minor * 65536) / major + 0.5)) : 0;
-    std::vector<point> out;
-    for (long long i = std::max(0LL, -100 - first); i <= std::min(major, 100 - first); ++i) {
-        long long along = (ymajor ? x1 : y1) * 65536 + 0x8000 + i * step;
-        out.push_back(ymajor ? point{along >> 16, y1 + i} : point{x1 + i, along >> 16});
-    }
-    return out;
-}
+using shapereference::linepoints;
+using shapereference::point;
 
 // Draws the line, through the mask if one is given, and checks every pixel of the target.
 void expectline(testtarget& g, int x1, int y1, int x2, int y2, uint32_t colour, int mode,
@@ -93,7 +73,7 @@ TEST(line, matchesthereferenceoveradensegridofendsandclips) {
                 for (int x2 = -2; x2 <= 13; ++x2)
                     for (int y2 = -3; y2 <= 11; y2 += 2) {
                         if (y2 % 8 == 1) fillrandom(g, rng);
-                        expectline(g, x1, y1, x2, y2, randompixel(rng), mode);
+                        expectline(g, x1, y1, x2, y2, rng.pixel(), mode);
                         mode = (mode + 1) % 3;
                         if (HasFatalFailure()) return;
                     }
@@ -111,7 +91,7 @@ TEST(line, farendsareadvancedtotheclipexactly) {
         fillrandom(g, rng);
         int x1 = far(rng), y1 = far(rng), x2 = near(rng), y2 = near(rng);
         if (i % 2) std::swap(x1, x2), std::swap(y1, y2);
-        expectline(g, x1, y1, x2, y2, randompixel(rng), i % 3);
+        expectline(g, x1, y1, x2, y2, rng.pixel(), i % 3);
         if (HasFatalFailure()) return;
     }
 }
@@ -131,7 +111,7 @@ TEST(line, maskedlinesdrawwherethemaskadmits) {
         int x2 = i % 7 == 0 ? x1 : static_cast<int>(rng() % 45) - 8;
         int y2 = i % 5 == 0 ? y1 : static_cast<int>(rng() % 37) - 8;
         int maskx = static_cast<int>(rng() % 20) - 5, masky = static_cast<int>(rng() % 20) - 5;
-        expectline(g, x1, y1, x2, y2, randompixel(rng), i % 3, &m, maskx, masky);
+        expectline(g, x1, y1, x2, y2, rng.pixel(), i % 3, &m, maskx, masky);
         ASSERT_FALSE(HasFatalFailure()) << "case " << i;
     }
 }

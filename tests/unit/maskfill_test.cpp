@@ -19,7 +19,7 @@ TEST(maskfill, storesexactlytheadmittedpixelsinsidetheclip) {
         setcliprect(g.t, l, tp, std::max(l, static_cast<int>(rng() % 38)), std::max(tp, static_cast<int>(rng() % 24)));
         if (i % 10 == 0) setcliprect(g.t, 0, 0, 37, 23);
         int x = static_cast<int>(rng() % 60) - 20, y = static_cast<int>(rng() % 50) - 25;
-        uint32_t colour = randompixel(rng);
+        uint32_t colour = rng.pixel();
         if (i % 50 == 0) fillrandom(g, rng);
         std::vector<uint32_t> expected(g.colour.get(), g.colour.get() + g.pixels());
         for (int at = 0; at < g.pixels(); ++at)

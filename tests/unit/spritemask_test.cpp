@@ -20,7 +20,7 @@ TEST(spritemask, matchesspansclippedbythemaskrectangle) {
         setcliprect(g.t, int(rng() % 8), int(rng() % 6), 30 - int(rng() % 8), 20 - int(rng() % 6));
         int width = 1 + int(rng() % 24), height = 1 + int(rng() % 12);
         std::vector<uint32_t> pixels(width * height);
-        for (uint32_t& p : pixels) p = randompixel(rng);
+        for (uint32_t& p : pixels) p = rng.pixel();
         spriteimage image{pixels.data(), width, height, width, int(rng() % 5) - 2, int(rng() % 5) - 2, 0, 0};
         testmask m;
         m.randomise(rng, 16, 30);

@@ -8,7 +8,7 @@
 #include "util/memory/memorypool.h"
 
 struct testmask {
-    memorypool pool{1 << 16, nullptr};
+    memorypool pool{1 << 12, nullptr};
     spanmask mask{};
 
     // Replaces the tables; they may differ in length.

@@ -15,7 +15,7 @@ void expectrunsasonepixelatatime(Rule rule, uint32_t colour, testrng& rng) {
     alignas(16) uint32_t buffer[48];
     uint32_t before[48];
     for (int start = 0; start < 4; ++start) {
-        for (uint32_t& b : before) b = randompixel(rng);
+        for (uint32_t& b : before) b = rng.pixel();
         for (int n = 1; n <= 33; ++n) {
             std::copy(before, before + 48, buffer);
             writerun(buffer + start, n, rule);
@@ -33,9 +33,9 @@ void expectrunsasonepixelatatime(Rule rule, uint32_t colour, testrng& rng) {
 TEST(writerun, fourpixelblendandaddareexact) {
     testrng rng(99);
     for (uint32_t a = 0; a < 256; ++a) {
-        uint32_t colour = a << 24 | (randompixel(rng) & 0xFFFFFF);
+        uint32_t colour = a << 24 | (rng.pixel() & 0xFFFFFF);
         expectrunsasonepixelatatime(blendsource(colour), colour, rng);
-        expectrunsasonepixelatatime(addrule{randompixel(rng)}, colour, rng);
+        expectrunsasonepixelatatime(addrule{rng.pixel()}, colour, rng);
         if (HasFatalFailure()) return;
     }
     expectrunsasonepixelatatime(storerule{0x12345678}, 0x12345678, rng);
