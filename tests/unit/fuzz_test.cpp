@@ -42,18 +42,6 @@ void randomclip(toolkit& t, testrng& r) {
 // Mostly a valid blend mode; now and then one that must raise, or draw nothing.
 int anymode(testrng& r) { return r.onein(16) ? (r.below(2) ? 3 : -1) : r.below(3); }
 
-// Spans around the mask's corner, sometimes empty or of negative width, or far off; now and then
-// a widths table a row short.
-void randommask(testmask& m, testrng& r, int extent) {
-    std::vector<int> offsets(r.below(40)), widths(offsets.size());
-    for (size_t i = 0; i < offsets.size(); ++i) {
-        offsets[i] = r.below(4) ? r.between(-extent / 2, extent * 3 / 2) : r.coordinate(extent);
-        widths[i] = r.below(4) ? r.between(-2, 2 * extent) : r.coordinate(extent);
-    }
-    if (!widths.empty() && r.onein(8)) widths.pop_back();
-    m.set(offsets, widths);
-}
-
 // Checks a drawn target against what was expected of it: every pixel where the expectation is
 // known, else the pixels outside the clip rectangle unchanged; and every fence.
 ::testing::AssertionResult drewasexpected(const testtarget& g, const std::vector<uint32_t>& before,
@@ -142,7 +130,7 @@ bool shapes(fuzzcase& c) {
     randomclip(g.t, c);
     const int w = g.t.width, h = g.t.height;
     testmask mask;
-    randommask(mask, c, w);
+    mask.randomise(c, 40, 2 * w);
     shape s{c.coordinate(w), c.coordinate(h), c.coordinate(w), c.coordinate(h), 0, c.coordinate(w), c.coordinate(h),
             static_cast<float>(c.below(3)), &mask};
     s.radius = c.below(4) ? c.between(-3, 2 * std::max(w, h)) : c.onein(2) ? s.u : c.between(-20000, 20000);
