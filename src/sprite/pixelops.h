@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "sprite/lanes.h"
+#include "pixel/lanes.h"
 #include "toolkit/blend.h"
 
 enum class tintmode : int { multiply, plain, weight, add, subtract };

@@ -14,7 +14,7 @@
 
 #pragma GCC target("avx2")
 
-#include "sprite/lanes8.h"
+#include "pixel/lanes8.h"
 #include "sprite/spriterows.h"
 
 namespace {

@@ -4,8 +4,11 @@
 #include <new>
 
 #include "toolkit/tables.h"
+#include "toolkit/texturestore.h"
 #include "util/arraypin.h"
+#include "util/crash.h"
 #include "util/frame.h"
+#include "util/jniseam.h"
 #include "util/peer.h"
 #include "util/truncate.h"
 
@@ -18,7 +21,6 @@ rasterstatedata rasterstate = [] {
 
 toolkit* currenttoolkit;
 int modelcount;
-jmethodID method_SA, method_h, method_WA;
 
 namespace {
 
@@ -26,7 +28,7 @@ void setidentity(float* m) {
     for (int i = 0; i < 16; ++i) m[i] = (i % 5 == 0) ? 1.0f : 0.0f;
 }
 
-toolkit* maketoolkit(JNIEnv* env, jobject host) {
+toolkit* maketoolkit(JNIEnv* env, jobject host, jobject source, int count) {
     void* memory = aligned_alloc(alignof(toolkit), sizeof(toolkit));
     if (!memory) return nullptr;
     toolkit* t = new (memory) toolkit{};
@@ -40,22 +42,22 @@ toolkit* maketoolkit(JNIEnv* env, jobject host) {
     t->fogdistance = 255.0f;
     t->shadowcell = 8;
     t->shadowshift = 3;
+    startcrashreporting(env);
     {
         hostcall guard;
-        env->GetJavaVM(&t->vm);
-        t->hostref = env->NewWeakGlobalRef(host);
+        JavaVM* vm;
+        env->GetJavaVM(&vm);
+        t->vm = hostof(vm);
+        t->hostref = hostof(env->NewWeakGlobalRef(host));
     }
     buildtrigtables();
     buildhsltorgb();
-    {
+    // Without a source there are no textures.
+    if (source && (t->textures = maketexturestore(count))) {
         hostcall guard;
-        jclass cls = env->FindClass("ja");
-        if (cls) {
-            method_SA = env->GetMethodID(cls, "SA", "(S)Z");
-            method_h = env->GetMethodID(cls, "h", "()V");
-            method_WA = env->GetMethodID(cls, "WA", "()Ljava/lang/Object;");
-        }
+        t->textures->source = hostof(env->NewWeakGlobalRef(source));
     }
+    findhostmethods(env);
     return t;
 }
 
@@ -103,11 +105,9 @@ void setcliprect(toolkit& t, int left, int top, int right, int bottom) {
 
 extern "C" {
 
-// The texture store and crash reporting come with their own subsystems; until then a toolkit
-// has no textures.
-JNIEXPORT void JNICALL Java_ja_q(JNIEnv* env, jobject self, jobject, jint, jint) {
+JNIEXPORT void JNICALL Java_ja_q(JNIEnv* env, jobject self, jobject source, jint count, jint) {
     runexport(env, [&] {
-        toolkit* t = maketoolkit(env, self);
+        toolkit* t = maketoolkit(env, self, source, count);
         setpeer(env, hostclass::ja, self, t);
         currenttoolkit = t;
     });
@@ -118,10 +118,13 @@ JNIEXPORT void JNICALL Java_ja_ma(JNIEnv* env, jobject self, jint) {
     runexport(env, [&] {
         toolkit* t = getpeer<toolkit>(env, hostclass::ja, self);
         if (t) {
+            stopcrashreporting();
             {
                 hostcall guard;
-                env->DeleteWeakGlobalRef(t->hostref);
+                env->DeleteWeakGlobalRef(jniof(t->hostref));
+                if (t->textures) env->DeleteWeakGlobalRef(jniof(t->textures->source));
             }
+            destroytexturestore(t->textures);
             t->~toolkit();
             free(t);
         }

@@ -138,6 +138,13 @@ class BindingTest {
             t.M(100, 0x405060, 50, 0);
             t.O();
         });
+        binds("ja.Y; ja.V, F fault without a texture source", () -> {
+            t.Y(1000);
+            CrashTest.assertdump(() -> t.V(5, 0, 0, 0, 0, 0, false, 0, 0, 0, 0, false, false, false, false, false, 0,
+                    false, false, 0));
+            CrashTest.assertdump(() -> t.F(5, new int[128 * 128], 0, 0, 0, 0, 0, false, 0, 0, 0, 0, false, false, false,
+                    false, false, 0, false, false, 0));
+        });
         binds("ja.da, b, N, ba.u", () -> {
             t.da();
             t.b(1, 2, 3, 4, 5);

@@ -4,7 +4,7 @@
 #pragma once
 #include <immintrin.h>
 
-#include "sprite/lanes.h"
+#include "pixel/lanes.h"
 
 struct lanes8 {
     using type = __m256i;
