@@ -109,7 +109,7 @@ class CrashTest {
 
     // The cases of one process, in order: two toolkits, one, another thread, a folder that is gone,
     // drawing afterwards, and after the last toolkit. Keeps the first dump. (Before any toolkit:
-    // FrameTest.BeforeToolkit.)
+    // FrameTest.FaultStorm.)
     static final class Cases {
         public static void main(String[] args) throws Exception {
             String folder = System.getProperty("java.io.tmpdir");

@@ -12,55 +12,30 @@ import morvik.graphics2.NativeError;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
 
-// How a call enters and leaves the library: peers, failures, faults and what the host's thread
-// keeps of it.
+// How a call enters and leaves the library: faults, the host's callbacks and what the host's
+// thread keeps of it.
 class FrameTest {
     static final String FAULT = "System exception occured";
 
-    @Test
-    void nullobjectwhereapeerisreadraisesnullpointerexceptionwithemptymessage() {
-        try (Scene s = new Scene(8, 8)) {
-            NullPointerException e = assertThrows(NullPointerException.class, () -> s.toolkit.n(null));
-            assertEquals("", e.getMessage());
-        }
-    }
-
-    @Test
-    void destroyingtwiceisharmless() {
-        ja toolkit = new ja();
-        toolkit.q(null, 0, 0);
-        za canvas = new za();
-        canvas.n(null, null, 4, 4);
-        canvas.ma(0);
-        assertEquals(0, canvas.nativeid);
-        canvas.ma(0);
-        toolkit.ma(0);
-        toolkit.ma(0);
-        assertEquals(0, toolkit.nativeid);
-    }
-
     // Faults in the library's own code and in the C library it calls come back as the host's
-    // error class with a dump, and the library keeps working after them.
+    // error class with a dump; a fault while arrays are pinned, critically or not, releases them,
+    // or the collector would wait forever; and the library keeps working after them.
     @Test
-    void faultsreturntothehostandthelibrarygoeson() {
+    void faultsreturntothehostreleasetheirpinsandthelibrarygoeson() {
         try (Scene s = new Scene(8, 8)) {
+            int[] lights = {1, 2, 3, 4, 0xFF0000};
             CrashTest.assertdump(() -> s.toolkit.xa(null));
             CrashTest.assertdump(() -> s.toolkit.qa(null));
             CrashTest.assertdump(() -> s.toolkit.BA(0, 0, 2, 2, null, 0, 2));
+            CrashTest.assertdump(() -> s.toolkit.E(1 << 30, 0, 4, 4));
+            CrashTest.assertdump(() -> s.toolkit.AA(null));
+            CrashTest.assertdump(() -> s.toolkit.wa(null));
+            CrashTest.assertdump(() -> s.toolkit.Q(1, lights, null));
+            CrashTest.assertdump(() -> s.toolkit.Q(1, null, new float[] {1f}));
+            for (int i = 0; i < 3; ++i) System.gc();
+            s.toolkit.Q(1, lights, new float[] {1f});
             s.toolkit.B(0, 0, 8, 8, 0xFF102030, 0);
             assertEquals(0xFF102030, s.pixel(7, 7));
-        }
-    }
-
-    // A fault while a critical pin is held must release it, or the collector waits forever.
-    @Test
-    void faultreleasesheldpins() {
-        try (Scene s = new Scene(8, 8)) {
-            CrashTest.assertdump(() -> s.toolkit.E(1 << 30, 0, 4, 4));
-            for (int i = 0; i < 3; ++i) System.gc();
-            int[] viewport = new int[4];
-            s.toolkit.xa(viewport);
-            assertArrayEquals(new int[] {0, 0, 8, 8}, viewport);
         }
     }
 
@@ -80,20 +55,14 @@ class FrameTest {
         }
     }
 
+    // Seen from outside the JVM: a draw before any toolkit exists, then faults under load.
     @Test
-    void faultsunderloadleavethejvmuntouched(@TempDir Path folder) throws Exception {
+    void faultsbeforeanytoolkitandunderloadleavethejvmuntouched(@TempDir Path folder) throws Exception {
         Jvm child = Jvm.run(FaultStorm.class, "-Djava.io.tmpdir=" + folder);
         assertEquals(FaultStorm.DUMPS, child.throwing().size());
         assertEquals("", child.unexpectedoutput());
         assertEquals(0, child.exit);
         assertEquals(0, Files.list(folder).count());
-    }
-
-    @Test
-    void adrawbeforeanytoolkitisafault() throws Exception {
-        Jvm child = Jvm.run(BeforeToolkit.class);
-        assertEquals("", child.unexpectedoutput());
-        assertEquals(0, child.exit);
     }
 
     // A toolkit whose pool-flush callback takes the JVM's own null-pointer faults, in code hot
@@ -161,10 +130,10 @@ class FrameTest {
         }
     }
 
-    // 10,000 faults in a row on a thread without the crash handler, then 200 on the drawing thread,
-    // each with a dump that is checked and removed, while another thread takes its own null-pointer
-    // and division faults in compiled code and keeps the collector busy. Prints only the dumps'
-    // "Throwing: " lines when all is well.
+    // A draw before any toolkit; then 10,000 faults in a row on a thread without the crash handler
+    // and 200 on the drawing thread, each with a dump that is checked and removed, while another
+    // thread takes its own null-pointer and division faults in compiled code and keeps the
+    // collector busy. Prints only the dumps' "Throwing: " lines when all is well.
     static final class FaultStorm {
         static final int DUMPS = 200;
         static volatile Object[] things = {new Object(), null};
@@ -172,6 +141,8 @@ class FrameTest {
         static volatile byte[] garbage;
 
         public static void main(String[] args) throws Exception {
+            String before = CrashTest.raised(() -> new ja().B(0, 0, 4, 4, 0xFFFFFFFF, 0));
+            check(CrashTest.PLAIN.equals(before), "before any toolkit: " + before);
             ja toolkit = new ja();
             toolkit.q(null, 0, 0);
             za canvas = new za();
@@ -230,17 +201,6 @@ class FrameTest {
 
         static Runnable fault(ja toolkit, int n) {
             return n % 2 == 0 ? () -> toolkit.xa(null) : () -> toolkit.BA(0, 0, 1, 1, null, 0, 1);
-        }
-    }
-
-    static final class BeforeToolkit {
-        public static void main(String[] args) {
-            try {
-                new ja().B(0, 0, 4, 4, 0xFFFFFFFF, 0);
-                check(false, "no fault");
-            } catch (RuntimeException e) {
-                check(e.getClass() == RuntimeException.class && FAULT.equals(e.getMessage()), e.toString());
-            }
         }
     }
 }

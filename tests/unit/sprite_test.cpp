@@ -92,7 +92,7 @@ TEST(spriteobject, randomblockcopieswriteexactlytheblock) {
         int w = int(rng() % (width - x + 1)), h = int(rng() % (height - y + 1));
         long pitch = w + rng() % 4;
         std::vector<uint32_t> source(pitch * h + 1);
-        for (uint32_t& p : source) p = rng() % 3 ? randompixel(rng) : rng() % 2;
+        for (uint32_t& p : source) p = rng() % 3 ? rng.pixel() : rng() % 2;
         bool key = rng() % 2;
         copyblock(*s, x, y, w, h, source.data(), pitch, key);
         for (int j = 0; j < height; ++j)

@@ -1,16 +1,12 @@
 // Every sprite pixel rule, in its group and leftover forms, against the scalar reference: all
-// pairs of the bytes that decide a channel, with a biased sample of the third; then rows of every
-// length from 1 to 33 at every start offset through the single draw.
+// pairs of the bytes that decide a channel, with a biased sample of the third. The fuzz family
+// "sprites" draws rows of every length from every start through the same reference.
 #include <gtest/gtest.h>
 
 #include <array>
-#include <random>
-#include <vector>
 
-#include "sprite/drawsprite.h"
 #include "sprite/spriterows.h"
 #include "spritereference.h"
-
 
 namespace {
 
@@ -90,41 +86,5 @@ TEST_P(pixelrules, sourcechannelagainstcolourchannel) {
 
 INSTANTIATE_TEST_SUITE_P(all, pixelrules, testing::ValuesIn(spriterules),
                          [](const testing::TestParamInfo<pixelrule>& info) { return info.param.name('_'); });
-
-// Which pixels are leftovers depends on the clipped row, not on where the source starts: every
-// length from 1 to 33, every buffer offset and every source offset 0 to 3.
-TEST(spriterows, groupsstartatthecliplefteveryoffsetandlength) {
-    std::mt19937 random(7);
-    constexpr int width = 40;
-    std::vector<uint32_t> source(40), before(width), pixels(width);
-    for (uint32_t& p : source) p = random();
-    spriteimage image{source.data(), 37, 1, 37, 0, 0, 0, 0};
-    toolkit t{};
-    t.width = width;
-    t.height = 1;
-    t.colourbuffer = pixels.data();
-    for (lanewidth lanes : runnablewidths())
-        for (pixelrule rule : spriterules) {
-            int tint = int(rule.get<tintmode>()), blend = int(rule.get<blendmode>());
-            for (int skip = 0; skip < 4; ++skip)
-                for (int offset = 0; offset < 4; ++offset)
-                    for (int n = 1; n <= 33; ++n) {
-                        uint32_t colour = random();
-                        for (uint32_t& p : before) p = random();
-                        std::copy(before.begin(), before.end(), pixels.begin());
-                        setcliprect(t, offset, 0, offset + n, 1);
-                        drawsprite(t, image, offset - skip, 0, tint, colour, blend, lanes);
-                        for (int x = 0; x < width; ++x) {
-                            int i = x - offset;
-                            uint32_t expect = before[x];
-                            if (i >= 0 && i < n)
-                                expect = spritereference::pixel(tint, blend, i < (n & ~3), source[skip + i], colour,
-                                                                before[x]);
-                            ASSERT_EQ(pixels[x], expect) << rule.name() << " " << axisname(lanes) << " skip " << skip
-                                                         << " offset " << offset << " n " << n << " x " << x;
-                        }
-                    }
-        }
-}
 
 }  // namespace

@@ -1,4 +1,5 @@
-// The scaled draws against the step-by-step reference, with pads, clipping and depth.
+// The scaled draws where the fuzz family "sprites" does not reach: the division of the plain tint
+// at depth, rows longer than the column table's stretch, and an image drawn into itself.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -31,36 +32,6 @@ bool matchesreference(const toolkit& t, const spriteimage& image, int x, int y, 
                             blend, z);
     drawscaledatdepth(t, image, x, y, z, w, h, tint, colour, blend, lanes);
     return std::equal(expect.begin(), expect.end(), t.colourbuffer);
-}
-
-// Every rule, both lane widths.
-TEST(scaleddraw, matchesthereferenceforeveryruleunderpadsclipanddepth) {
-    constexpr int width = 48, height = 40;
-    std::mt19937 random(11);
-    auto between = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(random); };
-    std::vector<uint32_t> pixels(32 * 32), colour(width * height);
-    std::vector<float> depth(width * height);
-    auto widths = runnablewidths();
-    for (int round = 0; round < 1500; ++round) {
-        lanewidth lanes = widths[round / 2 % widths.size()];
-        for (uint32_t& p : colour) p = random();
-        for (float& d : depth) d = float(between(0, 8));
-        toolkit t{};
-        target(t, colour.data(), round % 2 ? depth.data() : nullptr, width, height);
-        setcliprect(t, between(0, 20), between(0, 20), between(20, width), between(20, height));
-        int w = between(1, 12), h = between(1, 12);
-        for (uint32_t& p : pixels) p = random();
-        spriteimage image{pixels.data(), w, h, w + between(0, 3), between(-2, 5), between(-2, 5), between(-2, 5),
-                          between(-2, 5)};
-        if (image.fullwidth() < 1) image.padleft = image.padright = 0;
-        if (image.fullheight() < 1) image.padtop = image.padbottom = 0;
-        int x = between(-20, 40), y = between(-20, 36);
-        int dw = between(0, 60), dh = between(0, 50);
-        uint32_t tone = random();
-        pixelrule rule = spriterules[round % spriterules.size()];
-        ASSERT_TRUE(matchesreference(t, image, x, y, dw, dh, rule, tone, float(between(0, 8)), lanes))
-            << "round " << round << " " << rule.name() << " " << axisname(lanes);
-    }
 }
 
 // Scaling 2 pixels to 82: pixel 41 is 41 / 41 = 1 by division but truncates to 0 through the
