@@ -192,6 +192,51 @@ public class Demo {
         ball.FA(ball.nativeid, 780, 420, 940, 440, 760, 600, 0, mask.nativeid, 800, 450, false);
     }
 
+    // A colour of the hue wheel, i of n, fully opaque.
+    static int hue(int i, int n) {
+        return 0xFF000000 | java.awt.Color.HSBtoRGB(i / (float) n, 0.8f, 1f) & 0xFFFFFF;
+    }
+
+    // Gouraud triangles round a white centre, and a star of thick lines of growing width.
+    void trianglesandlines(a client) {
+        int cx = 840, cy = 635, n = 12;
+        for (int i = 0; i < n; ++i) {
+            double a0 = i * 2 * Math.PI / n, a1 = (i + 1) * 2 * Math.PI / n;
+            client.ra(client.nativeid, cx, cy, (float) (cx + 75 * Math.cos(a0)), (float) (cy + 75 * Math.sin(a0)),
+                      (float) (cx + 75 * Math.cos(a1)), (float) (cy + 75 * Math.sin(a1)), 0xFFFFFFFF, hue(i, n),
+                      hue(i + 1, n));
+        }
+        for (int i = 0; i < 10; ++i) {
+            double a = i * Math.PI / 5 + 0.2;
+            client.K(client.nativeid, 0, 890, 320, 890 + (int) (60 * Math.cos(a)), 320 + (int) (60 * Math.sin(a)),
+                     hue(i, 10), 1 + i, 0);
+        }
+    }
+
+    // A helix of particles seen in perspective through a viewport of its own: blended discs.
+    void particles(a client) {
+        tk.GA(0f, 1f);
+        tk.A(0, 525, 420, 190);
+        float near = 1f, far = 200f, f = 1.6f, aspect = 420f / 190f;
+        tk.wa(new float[] {f / aspect, 0, 0, 0, 0, f, 0, 0, 0, 0, (far + near) / (far - near), 1, 0, 0,
+                           -2 * far * near / (far - near), 0});
+        tk.AA(new float[] {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1});
+        int n = 90;
+        int[] positions = new int[3 * n], colours = new int[n], sizes = new int[n];
+        short[] textures = new short[n];
+        for (int i = 0; i < n; ++i) {
+            double a = i * 0.42;
+            positions[3 * i] = (int) (Math.cos(a) * 40 - 10 + i * 0.3) << 12;
+            positions[3 * i + 1] = (int) (Math.sin(a) * 12) << 12;
+            positions[3 * i + 2] = (int) (70 + Math.sin(a) * 30) << 12;
+            colours[i] = hue(i, n) & 0xFFFFFF | 0xB0000000;
+            sizes[i] = 2048 * (3 + i % 4);
+            textures[i] = -1;
+        }
+        client.b(client.nativeid, 0, positions, colours, sizes, textures, n);
+        tk.k();
+    }
+
     void testcard() {
         rectangles();
         fa ball = sprite(tk, ball(32), 32);
@@ -200,6 +245,11 @@ public class Demo {
         shapes(mask);
         text(textmask);
         turned(ball, mask);
+        a client = new a();
+        client.ha(0, 0, 0, 0, 0);
+        particles(client);
+        trianglesandlines(client);
+        client.R(client.nativeid, 0);
         mask.ma(0);
         textmask.ma(0);
         ball.M(ball.nativeid);

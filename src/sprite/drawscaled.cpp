@@ -4,6 +4,7 @@
 
 #include "sprite/spriterows.h"
 #include "util/frame.h"
+#include "util/peer.h"
 #include "util/truncate.h"
 
 namespace {
@@ -73,7 +74,7 @@ extern "C" {
 JNIEXPORT void JNICALL Java_fa_ha(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint w, jint h, jint tint,
                                   jint colour, jint blend) {
     runexport(env, [&] {
-        drawscaled(*currenttoolkit, imageof(*spriteat(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour), blend);
+        drawscaled(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour), blend);
     });
 }
 
@@ -81,7 +82,7 @@ JNIEXPORT void JNICALL Java_fa_ha(JNIEnv* env, jobject, jlong handle, jint x, ji
 JNIEXPORT void JNICALL Java_fa_G(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint z, jint w, jint h,
                                  jint tint, jint colour, jint blend) {
     runexport(env, [&] {
-        drawscaledatdepth(*currenttoolkit, imageof(*spriteat(handle)), x, y, static_cast<float>(z), w, h, tint,
+        drawscaledatdepth(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, static_cast<float>(z), w, h, tint,
                           static_cast<uint32_t>(colour), blend);
     });
 }

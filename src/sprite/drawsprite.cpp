@@ -5,6 +5,7 @@
 #include "sprite/spriterows.h"
 #include "toolkit/spanmask.h"
 #include "util/frame.h"
+#include "util/peer.h"
 
 namespace {
 
@@ -108,14 +109,14 @@ extern "C" {
 JNIEXPORT void JNICALL Java_fa_Y(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint tint, jint colour,
                                  jint blend) {
     runexport(env, [&] {
-        drawsprite(*currenttoolkit, imageof(*spriteat(handle)), x, y, tint, static_cast<uint32_t>(colour), blend);
+        drawsprite(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, tint, static_cast<uint32_t>(colour), blend);
     });
 }
 
 JNIEXPORT void JNICALL Java_fa_aa(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint w, jint h, jint tint,
                                   jint colour, jint blend) {
     runexport(env, [&] {
-        tilesprite(*currenttoolkit, imageof(*spriteat(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour), blend);
+        tilesprite(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour), blend);
     });
 }
 
@@ -123,8 +124,8 @@ JNIEXPORT void JNICALL Java_fa_aa(JNIEnv* env, jobject, jlong handle, jint x, ji
 JNIEXPORT void JNICALL Java_fa_o(JNIEnv* env, jobject, jlong handle, jint x, jint y, jlong mask, jint maskx,
                                  jint masky) {
     runexport(env, [&] {
-        drawthroughmask(*currenttoolkit, imageof(*spriteat(handle)), x, y,
-                        *reinterpret_cast<const spanmask*>(static_cast<intptr_t>(mask)), maskx, masky);
+        drawthroughmask(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y,
+                        *peerat<const spanmask>(mask), maskx, masky);
     });
 }
 

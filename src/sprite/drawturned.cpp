@@ -4,6 +4,7 @@
 #include "sprite/rules.h"
 #include "toolkit/spanmask.h"
 #include "util/frame.h"
+#include "util/peer.h"
 
 namespace {
 
@@ -87,7 +88,7 @@ extern "C" {
 JNIEXPORT void JNICALL Java_fa_e(JNIEnv* env, jobject, jlong handle, jfloat x0, jfloat y0, jfloat x1, jfloat y1,
                                  jfloat x2, jfloat y2, jint tint, jint colour, jint blend) {
     runexport(env, [&] {
-        drawturned(*currenttoolkit, imageof(*spriteat(handle)), {x0, y0, x1, y1, x2, y2}, tint,
+        drawturned(*currenttoolkit, imageof(*peerat<sprite>(handle)), {x0, y0, x1, y1, x2, y2}, tint,
                    static_cast<uint32_t>(colour), blend);
     });
 }
@@ -96,10 +97,10 @@ JNIEXPORT void JNICALL Java_fa_FA(JNIEnv* env, jobject, jlong handle, jfloat x0,
                                   jfloat x2, jfloat y2, jint, jlong maskhandle, jint maskx, jint masky,
                                   jboolean opaque) {
     runexport(env, [&] {
-        const spanmask& mask = *reinterpret_cast<const spanmask*>(static_cast<intptr_t>(maskhandle));
+        const spanmask& mask = *peerat<const spanmask>(maskhandle);
         // Rows past what the tables hold end the draw, as rows past the mask's height do.
         maskspans spans{mask.offsets.get(), mask.widths.get(), std::min(mask.height, mask.rows())};
-        drawturnedmasked(*currenttoolkit, imageof(*spriteat(handle)), {x0, y0, x1, y1, x2, y2}, spans, maskx, masky,
+        drawturnedmasked(*currenttoolkit, imageof(*peerat<sprite>(handle)), {x0, y0, x1, y1, x2, y2}, spans, maskx, masky,
                          opaque);
     });
 }

@@ -11,9 +11,9 @@
 
 bool font::find(int index, glyph& out) const {
     if (index < 0 || index >= glyphs.size()) return false;
-    for (const allocatedmemory<jint>* table : {&widths, &heights, &tops, &lefts})
+    for (const allocatedmemory<int32_t>* table : {&widths, &heights, &tops, &lefts})
         if (index >= table->length()) return false;
-    const allocatedmemory<jbyte>& bytes = glyphs[index];
+    const allocatedmemory<int8_t>& bytes = glyphs[index];
     int w = widths[index], h = heights[index];
     if (w > 0 && h > 0 && static_cast<long long>(w) * h > bytes.length()) return false;
     out = {reinterpret_cast<const uint8_t*>(bytes.get()), w, h, lefts[index], tops[index]};

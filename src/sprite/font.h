@@ -1,8 +1,6 @@
 // A set of glyph bitmaps that the host hands over once and then draws one glyph at a time; the
 // peer of the host's ea, m and ia. Its tables and glyph bytes live in the toolkit's pool.
 #pragma once
-#include <jni.h>
-
 #include <cstdint>
 
 #include "sprite/glyphdraw.h"
@@ -12,10 +10,10 @@
 struct toolkit;
 
 struct font {
-    toolkit* owner;  // the toolkit whose pool owns the blocks
-    handlearray<jbyte> glyphs;
-    allocatedmemory<jint> palette;  // colours by byte value; palette fonts only
-    allocatedmemory<jint> widths, heights, tops, lefts;
+    toolkit* owner;  // the toolkit whose pool owns the blocks; nothing reads it
+    handlearray<int8_t> glyphs;
+    allocatedmemory<int32_t> palette;  // colours by byte value; palette fonts only
+    allocatedmemory<int32_t> widths, heights, tops, lefts;
 
     font(toolkit* owner, int count) : owner(owner), glyphs(count) {}
 

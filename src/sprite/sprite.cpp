@@ -130,31 +130,31 @@ JNIEXPORT void JNICALL Java_fa_EA(JNIEnv* env, jobject self, jobject, jintArray 
 
 JNIEXPORT void JNICALL Java_fa_M(JNIEnv* env, jobject self, jlong handle) {
     runexport(env, [&] {
-        if (sprite* s = spriteat(handle)) destroysprite(s);
+        if (sprite* s = peerat<sprite>(handle)) destroysprite(s);
         setpeer(env, hostclass::fa, self, nullptr);
     });
 }
 
 JNIEXPORT jint JNICALL Java_fa_da(JNIEnv* env, jobject, jlong handle) {
-    return runexport(env, [&] { return spriteat(handle)->width; });
+    return runexport(env, [&] { return peerat<sprite>(handle)->width; });
 }
 
 JNIEXPORT jint JNICALL Java_fa_GA(JNIEnv* env, jobject, jlong handle) {
-    return runexport(env, [&] { return spriteat(handle)->height; });
+    return runexport(env, [&] { return peerat<sprite>(handle)->height; });
 }
 
 JNIEXPORT jint JNICALL Java_fa_WA(JNIEnv* env, jobject, jlong handle) {
-    return runexport(env, [&] { return spriteat(handle)->fullwidth(); });
+    return runexport(env, [&] { return peerat<sprite>(handle)->fullwidth(); });
 }
 
 JNIEXPORT jint JNICALL Java_fa_ba(JNIEnv* env, jobject, jlong handle) {
-    return runexport(env, [&] { return spriteat(handle)->fullheight(); });
+    return runexport(env, [&] { return peerat<sprite>(handle)->fullheight(); });
 }
 
 JNIEXPORT void JNICALL Java_fa_U(JNIEnv* env, jobject, jlong handle, jint left, jint top, jint right,
                                  jint bottom) {
     runexport(env, [&] {
-        sprite& s = *spriteat(handle);
+        sprite& s = *peerat<sprite>(handle);
         s.padleft = left;
         s.padtop = top;
         s.padright = right;
@@ -165,7 +165,7 @@ JNIEXPORT void JNICALL Java_fa_U(JNIEnv* env, jobject, jlong handle, jint left, 
 JNIEXPORT void JNICALL Java_fa_F(JNIEnv* env, jobject, jlong handle, jintArray out) {
     runexport(env, [&] {
         arraypin<pinkind::intcriticalwrite> pin(env, out);
-        const sprite& s = *spriteat(handle);
+        const sprite& s = *peerat<sprite>(handle);
         pin[0] = s.padleft;
         pin[1] = s.padtop;
         pin[2] = s.padright;
@@ -177,7 +177,7 @@ JNIEXPORT void JNICALL Java_fa_na(JNIEnv* env, jobject, jlong handle, jint x, ji
                                   jintArray pixels, jint offset, jint scan) {
     runexport(env, [&] {
         arraypin<pinkind::intcriticalwrite> pin(env, pixels);
-        copyblock(*spriteat(handle), x, y, w, h, reinterpret_cast<const uint32_t*>(pin.get()) + offset, scan, false);
+        copyblock(*peerat<sprite>(handle), x, y, w, h, reinterpret_cast<const uint32_t*>(pin.get()) + offset, scan, false);
     });
 }
 
@@ -185,14 +185,14 @@ JNIEXPORT void JNICALL Java_fa_ea(JNIEnv* env, jobject, jlong handle, jint x, ji
                                   jint bufy) {
     runexport(env, [&] {
         const toolkit& t = colourtarget();
-        copyblock(*spriteat(handle), x, y, w, h, bufferat(t, bufx, bufy), t.width, true);
+        copyblock(*peerat<sprite>(handle), x, y, w, h, bufferat(t, bufx, bufy), t.width, true);
     });
 }
 
 JNIEXPORT void JNICALL Java_fa_j(JNIEnv* env, jobject, jlong handle, jint bufx, jint bufy, jint channel) {
     runexport(env, [&] {
         const toolkit& t = colourtarget();
-        rewritealpha(*spriteat(handle), bufferat(t, bufx, bufy), t.width, channel);
+        rewritealpha(*peerat<sprite>(handle), bufferat(t, bufx, bufy), t.width, channel);
     });
 }
 

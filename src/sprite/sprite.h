@@ -1,8 +1,6 @@
 // The sprite: a 32-bit ARGB image in native memory, straight (not premultiplied) colour, with four
 // signed pads that say how much blank margin belongs to it. Peer of the host's `fa`.
 #pragma once
-#include <jni.h>
-
 #include <cstdint>
 
 struct sprite {
@@ -14,9 +12,6 @@ struct sprite {
     int fullwidth() const { return padleft + padright + width; }
     int fullheight() const { return padtop + padbottom + height; }
 };
-
-// The host passes a sprite as the long that holds its address.
-inline sprite* spriteat(jlong handle) { return reinterpret_cast<sprite*>(static_cast<intptr_t>(handle)); }
 
 // What a draw reads of an image: its pixels and their row pitch, and the pads that place it in
 // its full rectangle. Sprites give theirs; model billboards draw from a texture's pixels.

@@ -6,6 +6,7 @@
 #include "toolkit/toolkit.h"
 #include "util/assertion.h"
 #include "util/frame.h"
+#include "util/jniseam.h"
 #include "util/peer.h"
 
 namespace {
@@ -65,8 +66,10 @@ JNIEXPORT void JNICALL Java_za_n(JNIEnv* env, jobject self, jobject, jobject com
         auto* c = new java_canvas{};
         {
             hostcall guard;
-            env->GetJavaVM(&c->vm);
-            c->component = env->NewWeakGlobalRef(component);
+            JavaVM* vm;
+            env->GetJavaVM(&vm);
+            c->vm = hostof(vm);
+            c->component = hostof(env->NewWeakGlobalRef(component));
         }
         allocatebuffers(*c, w, h);
         setpeer(env, hostclass::za, self, c);
@@ -80,7 +83,7 @@ JNIEXPORT void JNICALL Java_za_ma(JNIEnv* env, jobject self, jint) {
             freebuffers(*c);
             {
                 hostcall guard;
-                env->DeleteWeakGlobalRef(c->component);
+                env->DeleteWeakGlobalRef(jniof(c->component));
             }
             delete c;
         }
@@ -95,8 +98,8 @@ JNIEXPORT void JNICALL Java_za_wa(JNIEnv* env, jobject self, jobject component, 
         freebuffers(*c);
         {
             hostcall guard;
-            env->DeleteWeakGlobalRef(c->component);
-            c->component = env->NewWeakGlobalRef(component);
+            env->DeleteWeakGlobalRef(jniof(c->component));
+            c->component = hostof(env->NewWeakGlobalRef(component));
         }
         allocatebuffers(*c, w, h);
     });

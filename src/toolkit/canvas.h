@@ -5,9 +5,11 @@
 
 #include <cstdint>
 
+#include "util/hostseam.h"
+
 struct java_canvas {
-    JavaVM* vm;
-    jweak component;
+    hostmachine* vm;  // nothing reads it: presenting uses the caller's environment
+    hostobject* component;  // weak
     int width, height;
     uint32_t* colour;  // 64-byte aligned, width * height pixels
     float* depth;      // the same size

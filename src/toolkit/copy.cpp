@@ -5,6 +5,7 @@
 #include "sprite/sprite.h"
 #include "toolkit/surface.h"
 #include "util/frame.h"
+#include "util/peer.h"
 
 void copytargetblock(toolkit& t, sprite* colour, surface* depth, int sx, int sy, int w, int h, int dx, int dy,
                      bool withcolour, bool withdepth, copyway way) {
@@ -32,9 +33,8 @@ namespace {
 void copyexport(JNIEnv* env, jlong t, jlong s, jlong d, jint sx, jint sy, jint w, jint h, jint dx, jint dy,
                 jboolean colour, jboolean depth, copyway way) {
     runexport(env, [&] {
-        copytargetblock(*reinterpret_cast<toolkit*>(static_cast<intptr_t>(t)),
-                        reinterpret_cast<sprite*>(static_cast<intptr_t>(s)),
-                        reinterpret_cast<surface*>(static_cast<intptr_t>(d)), sx, sy, w, h, dx, dy, colour, depth, way);
+        copytargetblock(*peerat<toolkit>(t), peerat<sprite>(s), peerat<surface>(d), sx, sy, w, h, dx, dy, colour,
+                        depth, way);
     });
 }
 

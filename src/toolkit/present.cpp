@@ -10,6 +10,7 @@
 
 #include "toolkit/canvas.h"
 #include "util/frame.h"
+#include "util/jniseam.h"
 
 namespace {
 
@@ -74,7 +75,7 @@ void present(JNIEnv* env, const java_canvas& c, int dstx, int dsty, int srcx, in
     JAWT awt{};
     awt.version = JAWT_VERSION_1_3;
     if (!get(env, &awt)) return;
-    JAWT_DrawingSurface* surface = awt.GetDrawingSurface(env, c.component);
+    JAWT_DrawingSurface* surface = awt.GetDrawingSurface(env, jniof(c.component));
     if (!surface) return;
     jint lock = surface->Lock(surface);
     if (!(lock & JAWT_LOCK_ERROR)) {

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "toolkit/toolkit.h"
 #include "util/frame.h"
 #include "util/memory/memorypool.h"
 #include "util/peer.h"
@@ -11,6 +12,12 @@ shadowmask::shadowmask(memorypool& pool, int width, int height)
     int count = width * height;
     pool.allocate(cells, count);
     memset(cells.get(), 0, static_cast<size_t>(cells.length()));
+}
+
+hostobject* maskobject(shadowmask* made, const shadowmask* given, hostobject* givenobject) {
+    if (!made) return nullptr;
+    if (made == given) return givenobject;
+    return currentseam->newmask(*currenttoolkit, made);
 }
 
 extern "C" {

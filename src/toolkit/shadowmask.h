@@ -4,6 +4,7 @@
 #pragma once
 #include <cstdint>
 
+#include "util/hostseam.h"
 #include "util/memory/allocatedmemory.h"
 
 struct memorypool;
@@ -17,3 +18,8 @@ struct shadowmask {
     // Takes width * height cells from the pool, all cleared.
     shadowmask(memorypool& pool, int width, int height);
 };
+
+// What a model or ground tile hands back to the host once it has its mask: the host's own object
+// `givenobject` when the mask is the one it was given, reused; a new host object from the host's
+// factory holding `made` when it is another; none without a mask.
+hostobject* maskobject(shadowmask* made, const shadowmask* given, hostobject* givenobject);

@@ -9,9 +9,9 @@
 struct spanmask {
     int width, height;  // as the host gave them; fills and lines go by the tables alone
     allocatedmemory<int> offsets;
-    int offsetcount;
+    int offsetcount;  // as the host gave it; nothing reads it
     allocatedmemory<int> widths;
-    int widthcount;
+    int widthcount;   // likewise
 
     // The rows both tables hold: a widths table shorter than the offsets would otherwise be read
     // past its end. Zero once the pool is gone.

@@ -53,15 +53,14 @@ JNIEXPORT void JNICALL Java_oa_g(JNIEnv* env, jobject self, jint w, jint h) {
 
 JNIEXPORT void JNICALL Java_oa_za(JNIEnv* env, jobject self, jlong handle, jint) {
     runexport(env, [&] {
-        destroysurface(reinterpret_cast<surface*>(static_cast<intptr_t>(handle)));
+        destroysurface(peerat<surface>(handle));
         setpeer(env, hostclass::oa, self, nullptr);
     });
 }
 
 JNIEXPORT void JNICALL Java_ja_d(JNIEnv* env, jobject, jlong colour, jlong depth) {
     runexport(env, [&] {
-        selectoffscreen(*currenttoolkit, reinterpret_cast<sprite*>(static_cast<intptr_t>(colour)),
-                        reinterpret_cast<surface*>(static_cast<intptr_t>(depth)));
+        selectoffscreen(*currenttoolkit, peerat<sprite>(colour), peerat<surface>(depth));
     });
 }
 

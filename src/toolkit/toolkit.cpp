@@ -6,6 +6,7 @@
 #include "toolkit/tables.h"
 #include "util/arraypin.h"
 #include "util/frame.h"
+#include "util/jniseam.h"
 #include "util/peer.h"
 #include "util/truncate.h"
 
@@ -18,7 +19,6 @@ rasterstatedata rasterstate = [] {
 
 toolkit* currenttoolkit;
 int modelcount;
-jmethodID method_SA, method_h, method_WA;
 
 namespace {
 
@@ -42,20 +42,14 @@ toolkit* maketoolkit(JNIEnv* env, jobject host) {
     t->shadowshift = 3;
     {
         hostcall guard;
-        env->GetJavaVM(&t->vm);
-        t->hostref = env->NewWeakGlobalRef(host);
+        JavaVM* vm;
+        env->GetJavaVM(&vm);
+        t->vm = hostof(vm);
+        t->hostref = hostof(env->NewWeakGlobalRef(host));
     }
     buildtrigtables();
     buildhsltorgb();
-    {
-        hostcall guard;
-        jclass cls = env->FindClass("ja");
-        if (cls) {
-            method_SA = env->GetMethodID(cls, "SA", "(S)Z");
-            method_h = env->GetMethodID(cls, "h", "()V");
-            method_WA = env->GetMethodID(cls, "WA", "()Ljava/lang/Object;");
-        }
-    }
+    findhostmethods(env);
     return t;
 }
 
@@ -120,7 +114,7 @@ JNIEXPORT void JNICALL Java_ja_ma(JNIEnv* env, jobject self, jint) {
         if (t) {
             {
                 hostcall guard;
-                env->DeleteWeakGlobalRef(t->hostref);
+                env->DeleteWeakGlobalRef(jniof(t->hostref));
             }
             t->~toolkit();
             free(t);

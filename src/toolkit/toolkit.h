@@ -1,10 +1,9 @@
 // The render context, peer of the host's `ja`, and the process-wide state that the inner loops
 // read without going through it.
 #pragma once
-#include <jni.h>
-
 #include <cstdint>
 
+#include "util/hostseam.h"
 #include "util/memory/ringlink.h"
 
 struct memorypool;
@@ -13,10 +12,10 @@ struct sprite;
 struct surface;
 
 struct alignas(16) toolkit {
-    uint8_t marker;
-    JavaVM* vm;
-    jweak hostref;
-    int state;
+    uint8_t marker;  // set by the host's da; nothing reads it
+    hostmachine* vm;
+    hostobject* hostref;  // weak: the ja object, receiver of the host callbacks
+    int state;            // 1 from construction on; nothing reads it
     memorypool* pool;
     texturestore* textures;
     ringlink clients;  // the render clients, self-linked while there are none
@@ -36,7 +35,7 @@ struct alignas(16) toolkit {
     alignas(16) float viewprojection[16];
     alignas(16) float frustumplanes[6][4];
     float fogdistance;
-    bool fogenabled;
+    bool fogenabled;  // the host's fog switch; drawing goes by fogdistance
     int fogcolour, savedfogcolour;
     uint8_t fogoverride;
     int shadestart, shaderange;
@@ -75,7 +74,6 @@ extern int fogflag;
 
 extern toolkit* currenttoolkit;
 extern int modelcount;
-extern jmethodID method_SA, method_h, method_WA;
 
 // Cleared depth: the float with bits 0x7F7FC99E.
 inline constexpr uint32_t fardepthbits = 0x7F7FC99Eu;

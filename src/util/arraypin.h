@@ -12,7 +12,6 @@ enum class pinkind {
     intreadwrite,
     floatcritical,
     intcritical,
-    shortcritical,
     intcriticalwrite,
     floatcriticalwrite,
     bytecriticalwrite,
@@ -34,7 +33,6 @@ template <> struct pintraits<pinkind::intread> : pintraitsof<jint, jintArray, fa
 template <> struct pintraits<pinkind::intreadwrite> : pintraitsof<jint, jintArray, false, 0> {};
 template <> struct pintraits<pinkind::floatcritical> : pintraitsof<jfloat, jfloatArray, true, JNI_ABORT> {};
 template <> struct pintraits<pinkind::intcritical> : pintraitsof<jint, jintArray, true, JNI_ABORT> {};
-template <> struct pintraits<pinkind::shortcritical> : pintraitsof<jshort, jshortArray, true, JNI_ABORT> {};
 template <> struct pintraits<pinkind::intcriticalwrite> : pintraitsof<jint, jintArray, true, 0> {};
 template <> struct pintraits<pinkind::floatcriticalwrite> : pintraitsof<jfloat, jfloatArray, true, 0> {};
 template <> struct pintraits<pinkind::bytecriticalwrite> : pintraitsof<jbyte, jbyteArray, true, 0> {};
@@ -155,7 +153,7 @@ private:
         frame = nullptr;
     }
 
-    jboolean iscopy = JNI_FALSE;
+    jboolean iscopy = JNI_FALSE;  // the acquire call's answer; nothing reads it
     arraytype array = nullptr;
     element* data = nullptr;
     jint length = 0;

@@ -41,5 +41,5 @@ void* getpeerfield(JNIEnv* env, hostclass cls, jobject object) {
         jfieldID id = fieldof(env, peerfields[static_cast<int>(cls)], object);
         value = id ? env->GetLongField(object, id) : 0;
     }
-    return reinterpret_cast<void*>(static_cast<intptr_t>(value));
+    return peerat<void>(value);
 }

@@ -2,20 +2,12 @@
 
 #include "toolkit/toolkit.h"
 #include "util/frame.h"
+#include "util/jniseam.h"
 #include "util/peer.h"
 
+// A pool made before any toolkit has nobody to ask.
 void memorypool::flush() {
-    // A pool made before any toolkit, or whose toolkit's object is gone, has nobody to ask.
-    if (!toolkit) return;
-    hostcall guard;
-    JNIEnv* env;
-    if (toolkit->vm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_1) != JNI_OK) return;
-    jobject host = env->NewLocalRef(toolkit->hostref);
-    if (!host) return;
-    env->CallVoidMethod(host, method_h);
-    env->DeleteLocalRef(host);
-    // The host's own failure ends the call that needed the memory; the host sees its exception.
-    if (env->ExceptionCheck()) fail<RuntimeException>("Exception in memory flush");
+    if (toolkit) currentseam->flushpool(*toolkit);
 }
 
 extern "C" {
@@ -25,7 +17,7 @@ JNIEXPORT void JNICALL Java_ba_sa(JNIEnv* env, jobject self, jint, jint capacity
         auto* pool = new memorypool(static_cast<uint32_t>(capacity), currenttoolkit);
         {
             hostcall guard;
-            pool->hostref = env->NewWeakGlobalRef(self);
+            pool->hostref = hostof(env->NewWeakGlobalRef(self));
         }
         setpeer(env, hostclass::ba, self, pool);
     });
@@ -36,7 +28,7 @@ JNIEXPORT void JNICALL Java_ba_ma(JNIEnv* env, jobject self, jint) {
         if (auto* pool = getpeer<memorypool>(env, hostclass::ba, self)) {
             {
                 hostcall guard;
-                env->DeleteWeakGlobalRef(pool->hostref);
+                env->DeleteWeakGlobalRef(jniof(pool->hostref));
             }
             delete pool;
         }

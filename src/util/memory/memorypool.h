@@ -1,8 +1,7 @@
 // The host's pool (class ba): a memory manager that, when full, asks the host to release memory
 // through the callback h of the toolkit that was current when the pool was made.
 #pragma once
-#include <jni.h>
-
+#include "util/hostseam.h"
 #include "util/memory/memorymanager.h"
 
 struct toolkit;
@@ -11,7 +10,7 @@ struct memorypool : memorymanager {
     memorypool(uint32_t capacity, struct toolkit* toolkit) : memorymanager(capacity), toolkit(toolkit) {}
 
     struct toolkit* const toolkit;
-    jweak hostref = nullptr;  // the ba object
+    hostobject* hostref = nullptr;  // weak: the ba object; nothing calls it
 
 protected:
     void flush() override;
