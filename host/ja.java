@@ -66,7 +66,18 @@ public class ja {
     public native void M(int start, int colour, int range, int unused);
     public native void O();
 
-    /** Called when drawing needs a texture that is not loaded; true once it has been given. */
+    // Textures: the descriptor of an id, a texture's pixels (128 rows of 128) with its descriptor,
+    // the animation clock in milliseconds
+    public native void V(int index, int averagecolour, int value, int type, int bytetwo, int colour, boolean flagone,
+            int blend, int bright, int speedu, int speedv, boolean hidden, boolean flagthree, boolean flagfour,
+            boolean flagfive, boolean flagsix, int bytefive, boolean flagseven, boolean flageight, int tail);
+    public native void F(int id, int[] pixels, int averagecolour, int value, int type, int bytetwo, int colour,
+            boolean flagone, int blend, int bright, int speedu, int speedv, boolean hidden, boolean flagthree,
+            boolean flagfour, boolean flagfive, boolean flagsix, int bytefive, boolean flagseven, boolean flageight,
+            int tail);
+    public native void Y(int tick);
+
+    /** Called when drawing needs a texture that is not loaded: give it with F, then answer true. */
     public boolean SA(short id) {
         return false;
     }

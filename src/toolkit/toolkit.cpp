@@ -4,6 +4,7 @@
 #include <new>
 
 #include "toolkit/tables.h"
+#include "toolkit/texturestore.h"
 #include "util/arraypin.h"
 #include "util/frame.h"
 #include "util/jniseam.h"
@@ -26,7 +27,7 @@ void setidentity(float* m) {
     for (int i = 0; i < 16; ++i) m[i] = (i % 5 == 0) ? 1.0f : 0.0f;
 }
 
-toolkit* maketoolkit(JNIEnv* env, jobject host) {
+toolkit* maketoolkit(JNIEnv* env, jobject host, jobject source, int count) {
     void* memory = aligned_alloc(alignof(toolkit), sizeof(toolkit));
     if (!memory) return nullptr;
     toolkit* t = new (memory) toolkit{};
@@ -49,6 +50,11 @@ toolkit* maketoolkit(JNIEnv* env, jobject host) {
     }
     buildtrigtables();
     buildhsltorgb();
+    // Without a source there are no textures.
+    if (source && (t->textures = maketexturestore(count))) {
+        hostcall guard;
+        t->textures->source = hostof(env->NewWeakGlobalRef(source));
+    }
     findhostmethods(env);
     return t;
 }
@@ -97,11 +103,10 @@ void setcliprect(toolkit& t, int left, int top, int right, int bottom) {
 
 extern "C" {
 
-// The texture store and crash reporting come with their own subsystems; until then a toolkit
-// has no textures.
-JNIEXPORT void JNICALL Java_ja_q(JNIEnv* env, jobject self, jobject, jint, jint) {
+// Crash reporting comes with its own subsystem.
+JNIEXPORT void JNICALL Java_ja_q(JNIEnv* env, jobject self, jobject source, jint count, jint) {
     runexport(env, [&] {
-        toolkit* t = maketoolkit(env, self);
+        toolkit* t = maketoolkit(env, self, source, count);
         setpeer(env, hostclass::ja, self, t);
         currenttoolkit = t;
     });
@@ -115,7 +120,9 @@ JNIEXPORT void JNICALL Java_ja_ma(JNIEnv* env, jobject self, jint) {
             {
                 hostcall guard;
                 env->DeleteWeakGlobalRef(jniof(t->hostref));
+                if (t->textures) env->DeleteWeakGlobalRef(jniof(t->textures->source));
             }
+            destroytexturestore(t->textures);
             t->~toolkit();
             free(t);
         }

@@ -4,7 +4,6 @@
 
 #include <cstring>
 
-#include "testhost.h"
 #include "util/memory/memorypool.h"
 
 namespace {
@@ -24,22 +23,6 @@ TEST(shadowmask, startswithclearedcellsandnoplacement) {
     for (int i = 0; i < 2000; ++i) ASSERT_EQ(m.cells[i], 0) << i;
     EXPECT_EQ(m.x | m.y | m.usedwidth | m.usedheight, 0);
     EXPECT_EQ(pool.verify(), nullptr);
-}
-
-// The host is reached through the seam: a full pool of the toolkit asks it for memory once before
-// it grows, and a mask handed back is none, the host's own object, or a new one holding the mask.
-TEST(shadowmask, handedbackthroughthehostseam) {
-    testhost host;
-    memorypool pool(64 * 1024, &host.t);
-    allocatedmemory<uint8_t> full;
-    pool.allocate(full, 62 * 1024);
-    shadowmask given(pool, 40, 40), made(pool, 40, 40);
-    EXPECT_EQ(host.flushes, 1);
-    auto* object = reinterpret_cast<hostobject*>(0x40);
-    EXPECT_EQ(maskobject(nullptr, &given, object), nullptr);
-    EXPECT_EQ(maskobject(&given, &given, object), object);
-    EXPECT_EQ(maskobject(&made, &given, object), reinterpret_cast<hostobject*>(1));
-    EXPECT_EQ(host.masks, std::vector<shadowmask*>{&made});
 }
 
 }  // namespace
