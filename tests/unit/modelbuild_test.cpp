@@ -13,21 +13,19 @@ v3 operator-(v3 a, v3 b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
 v3 cross(v3 a, v3 b) { return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]}; }
 float dot(v3 a, v3 b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
-// Host faces in model order: textured ones that the texture keeps, then the plain ones.
-std::vector<int> referenceorder(const randomhostmodel& h, const texturedescriptor* d) {
+// Host faces in model order: textured ones that the texture keeps, then the plain ones; and how
+// many are textured.
+std::pair<std::vector<int>, int> referenceorder(const randomhostmodel& h, const texturedescriptor* d) {
     std::vector<int> textured, plain;
     for (int i = 0; i < h.s.facecount; ++i) {
         if (!h.types.empty() && h.types[i] == 2) continue;
-        bool hastexture = !h.textures.empty() && h.textures[i] != -1;
-        const texturedescriptor* t = hastexture ? &d[h.textures[i]] : nullptr;
-        if (t && !((h.s.modelflags & MF_SIMPLETEXTURES) && t->hidden)) {
-            if (!t->flagthree) textured.push_back(i);
-        } else {
-            plain.push_back(i);
-        }
+        const texturedescriptor* t = !h.textures.empty() && h.textures[i] != -1 ? &d[h.textures[i]] : nullptr;
+        if (!t || ((h.s.modelflags & MF_SIMPLETEXTURES) && t->hidden)) plain.push_back(i);
+        else if (!t->flagthree) textured.push_back(i);
     }
+    int count = int(textured.size());
     textured.insert(textured.end(), plain.begin(), plain.end());
-    return textured;
+    return {textured, count};
 }
 
 // The corners of host face i under mapping m, in units of the tile.
@@ -43,13 +41,13 @@ struct referencemapping {
             if (uint8_t(h.mappings[i]) == m)
                 for (int v : {h.a[i], h.b[i], h.c[i]})
                     for (int k = 0; k < 3; ++k) low[k] = std::min(low[k], vertex(v)[k]), high[k] = std::max(high[k], vertex(v)[k]);
-        float sx = float(h.scalex[m]), sy = float(h.scaley[m]), sz = float(h.scalez[m]), s[3];
+        float sx = float(h.scale[0][m]), sy = float(h.scale[1][m]), sz = float(h.scale[2][m]), s[3];
         switch (h.maptype[m]) {
         case 1: s[0] = sx < 0 ? -sx / 1024.0f : 1.0f, s[1] = 64.0f / sy, s[2] = sx > 0 ? sx / 1024.0f : 1.0f; break;
         case 2: s[0] = 64.0f / sx, s[1] = 64.0f / sy, s[2] = 64.0f / sz; break;
         default: s[0] = sx / 1024.0f, s[1] = sy / 1024.0f, s[2] = sz / 1024.0f;
         }
-        int x = h.mapp[m], y = h.mapm[m], z = h.mapn[m];
+        int x = h.map[0][m], y = h.map[1][m], z = h.map[2][m];
         float ny = float(y) * 3.0518509e-5f, sn = -std::sqrt(1.0f - ny * ny), len = std::sqrt(float(x * x + z * z));
         float ax = len != 0.0f ? float(-z) / len : 1.0f, az = len != 0.0f ? float(x) / len : 0.0f;
         float q[3][3] = {{ax * ax * (1 - ny) + ny, sn * az, az * ax * (1 - ny)},
@@ -63,22 +61,22 @@ struct referencemapping {
 
     void corners(int m, const v3 p[3], float uv[3][2]) const {
         v3 centre = {(low[0] + high[0]) * 0.5f, (low[1] + high[1]) * 0.5f, (low[2] + high[2]) * 0.5f};
-        float k[3] = {h.shift0[m] / 256.0f, h.shift1[m] / 256.0f, h.shift2[m] / 256.0f};
+        float k[3] = {h.shift[0][m] / 256.0f, h.shift[1][m] / 256.0f, h.shift[2][m] / 256.0f};
         int dir = h.direction[m], type = h.maptype[m], side = 0;
         if (type == 2) {
             v3 n = cross(p[1] - p[0], p[2] - p[0]);
-            float e[3] = {dot(row[0], n) / (64.0f / h.scalex[m]), dot(row[1], n) / (64.0f / h.scaley[m]),
-                          dot(row[2], n) / (64.0f / h.scalez[m])};
+            float e[3] = {dot(row[0], n) / (64.0f / h.scale[0][m]), dot(row[1], n) / (64.0f / h.scale[1][m]),
+                          dot(row[2], n) / (64.0f / h.scale[2][m])};
             float a0 = std::fabs(e[0]), a1 = std::fabs(e[1]), a2 = std::fabs(e[2]);
             side = a1 > a0 && a1 > a2 ? (e[1] > 0 ? 0 : 1) : a2 > a0 && a2 > a1 ? (e[2] > 0 ? 2 : 3) : (e[0] > 0 ? 4 : 5);
         }
         v3 P{}, b{}, c{}, n{};
-        if (type == 0) P = vertex(h.mapp[m]), b = vertex(h.mapm[m]) - P, c = vertex(h.mapn[m]) - P, n = cross(b, c);
+        if (type == 0) P = vertex(h.map[0][m]), b = vertex(h.map[1][m]) - P, c = vertex(h.map[2][m]) - P, n = cross(b, c);
         float rt = 1.0f / dot(cross(c, n), b), rw = 1.0f / dot(cross(b, n), c);
         for (int i = 0; i < 3; ++i) {
             v3 d = p[i] - centre, f = {dot(row[0], d), dot(row[1], d), dot(row[2], d)};
             float around = float(std::atan2(double(f[0]), double(f[2]))) * 0.15915494f + 0.5f, u = 0, v = 0;
-            float s = h.scalez[m] / 1024.0f;
+            float s = h.scale[2][m] / 1024.0f;
             if (type == 0) u = dot(cross(c, n), p[i] - P) * rt, v = dot(cross(b, n), p[i] - P) * rw;
             if (type == 1) u = s != 1.0f ? around * s : around, v = f[1] + 0.5f + k[0];
             if (type == 3) u = around, v = float(std::asin(double(f[1] / std::sqrt(dot(f, f))))) * 0.31830987f + 0.5f + k[0];
@@ -90,7 +88,7 @@ struct referencemapping {
             uv[i][0] = type ? turned[dir][0] : u, uv[i][1] = type ? turned[dir][1] : v;
         }
         if (type != 1 && type != 3) return;
-        float step = type == 1 ? h.scalez[m] / 1024.0f : 1.0f, half = type == 1 ? step * 0.5f : 0.5f;
+        float step = type == 1 ? h.scale[2][m] / 1024.0f : 1.0f, half = type == 1 ? step * 0.5f : 0.5f;
         int axis = dir & 1;
         for (int i = 1; i < 3; ++i) {
             if (uv[i][axis] - uv[0][axis] > half) uv[i][axis] -= step;
@@ -107,11 +105,7 @@ TEST_F(modelbuild, facesgroupsbillboardsandtexturecoordinatesfollowtherules) {
         randomhostmodel h(rng, texturecount);
         std::unique_ptr<model> m = buildmodel(h.s, pool);
         ASSERT_EQ(pool.verify(), nullptr);
-        std::vector<int> order = referenceorder(h, descriptors);
-        int textured = 0;
-        while (textured < int(order.size()) && !h.textures.empty() && h.textures[order[textured]] != -1 &&
-               !((h.s.modelflags & MF_SIMPLETEXTURES) && descriptors[h.textures[order[textured]]].hidden))
-            ++textured;
+        auto [order, textured] = referenceorder(h, descriptors);
         int billboards = int(h.billboardints.size()) / 8;
         for (int i = 0; i < billboards; ++i)
             if (std::find(order.begin(), order.end(), h.billboardints[7 * i]) == order.end())
@@ -158,6 +152,13 @@ TEST_F(modelbuild, facesgroupsbillboardsandtexturecoordinatesfollowtherules) {
             ASSERT_EQ(order[bb.face], f);
             EXPECT_EQ(m->facea[bb.face], m->facec[bb.face]);
             EXPECT_EQ(m->faceb[bb.face], m->facec[bb.face]);
+            const quad& centre = m->vertices[m->facec[bb.face]];
+            const int corners[3] = {h.a[f], h.b[f], h.c[f]};
+            for (int axis = 0; axis < 3 && billboards == 1; ++axis) {
+                const std::vector<int32_t>& p = axis == 0 ? h.x : axis == 1 ? h.y : h.z;
+                float sum = float(p[corners[0]]) + float(p[corners[1]]) + float(p[corners[2]]);
+                EXPECT_EQ(floatbits((&centre.x)[axis]), floatbits(sum * 0.33333334f));
+            }
             EXPECT_EQ(bb.tintmode, h.billboardints[7 * i + 4]);
             EXPECT_EQ(bb.blendmode, h.billboardints[7 * i + 5]);
             uint32_t alpha = h.alphas.empty() ? 255 : 255 - uint8_t(h.alphas[f]);
@@ -177,32 +178,6 @@ TEST_F(modelbuild, facesgroupsbillboardsandtexturecoordinatesfollowtherules) {
             EXPECT_EQ(got, expected);
         }
         EXPECT_EQ(m->vertexgroups.index.empty(), h.vertexgroups.empty() || !(h.s.functionmask & FM_ANIMATE_VERTICES));
-    }
-}
-
-// A billboard's face collapses to the centroid of its corners, taken as a sum times the float
-// nearest a third; a dropped face that anchors a billboard comes back at the end.
-TEST_F(modelbuild, billboardfacesfoldtotheircentroid) {
-    std::vector<int32_t> x = {0, 3, 7}, y = {1, 2, 4}, z = {-5, 8, 1};
-    std::vector<int16_t> a = {0}, b = {1}, c = {2}, colours = {0x1234};
-    std::vector<int8_t> types = {2};
-    std::vector<int32_t> bb = {0, 10, 20, 3, 1, 2, 7, -1};
-    modelsource s;
-    s.vertexcount = s.usedvertexcount = 3;
-    s.x = randomhostmodel::view(x), s.y = randomhostmodel::view(y), s.z = randomhostmodel::view(z);
-    s.facecount = 1;
-    s.a = randomhostmodel::view(a), s.b = randomhostmodel::view(b), s.c = randomhostmodel::view(c);
-    s.colours = randomhostmodel::view(colours), s.types = randomhostmodel::view(types);
-    s.billboardints = randomhostmodel::view(bb);
-    std::unique_ptr<model> m = buildmodel(s, pool);
-    ASSERT_EQ(m->facecount, 1);
-    EXPECT_EQ(m->facetypes[0], 2);
-    EXPECT_EQ(m->billboards[0].flag, 1);
-    const float third = 0.33333334f;
-    for (int v = 0; v < 3; ++v) {
-        EXPECT_EQ(floatbits(m->vertices[v].x), floatbits(10.0f * third));
-        EXPECT_EQ(floatbits(m->vertices[v].y), floatbits(7.0f * third));
-        EXPECT_EQ(floatbits(m->vertices[v].z), floatbits(4.0f * third));
     }
 }
 

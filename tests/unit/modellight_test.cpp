@@ -1,27 +1,15 @@
 // Model colour against references written from the rules: normals, base colours and the light
 // pass over random models; the sun and point light terms over random corners, through the same
 // approximate reciprocals as the library; and the colour changes with their mask bits.
-#include <climits>
 #include <cmath>
 
 #include "model/lighting.h"
 #include "model/recolour.h"
+#include "modelreference.h"
 #include "modeltest.h"
 #include "util/exception.h"
-#include "util/truncate.h"
 
 namespace {
-
-uint32_t referencebase(int hsl, const texturedescriptor* d, int ambient) {
-    int l = std::min(std::max(((hsl & 0x7F) * ambient) >> 7, 2), 126);
-    uint32_t rgb = uint32_t(hsltorgb[(hsl & 0xFF80) + l]), m = d ? d->blend : 0, k = d ? d->bright : 0;
-    uint32_t g = ambient < 128 ? uint32_t(ambient) * 0x20202u : 0xFFFFFFu;
-    if (m) rgb = ((((rgb & 0xFF00FF) * (256 - m) + (g & 0xFF00FF) * m) & 0xFF00FF00u) +
-                  (((rgb & 0xFF00) * (256 - m) + (g & 0xFF00) * m) & 0xFF0000u)) >> 8;
-    uint32_t out = 0;
-    for (int s = 0; s < 24; s += 8) out |= (k ? std::min((rgb >> s & 0xFF) * (256 + k), 0xFFFFu) >> 8 : rgb >> s & 0xFF) << s;
-    return out;
-}
 
 class modellight : public modeltest {
 protected:
@@ -44,12 +32,10 @@ TEST_F(modellight, normalsandthelightpassfollowtherules) {
             EXPECT_TRUE(type != 1 || std::memcmp(&m->facenormals[f], &unit, sizeof unit) == 0) << f;
             for (uint16_t corner : {m->facea[f], m->faceb[f], m->facec[f]})
                 if (type == 0) sums[corner] = {sums[corner].x + unit.x, sums[corner].y + unit.y, sums[corner].z + unit.z, sums[corner].w + 1};
-            if (type == 2) continue;
-            int texture = f < m->texturedfacecount ? m->facetextures[f] : 0xFFFF;
-            uint32_t alpha = m->facealphas.empty() ? 255u : 255u - m->facealphas[f];
-            if (m->fhsl.empty()) continue;
-            const texturedescriptor* d = texture == 0xFFFF ? nullptr : &descriptors[texture];
-            uint32_t word = alpha << 24 | referencebase(m->fhsl[f], d, m->ambient);
+            if (type == 2 || m->fhsl.empty()) continue;
+            const texturedescriptor* d = f < m->texturedfacecount ? &descriptors[m->facetextures[f]] : nullptr;
+            uint32_t word = (m->facealphas.empty() ? 255u : 255u - m->facealphas[f]) << 24 |
+                            modelreference::base(m->fhsl[f], d, m->ambient);
             for (int k = 0; k < 3; ++k) EXPECT_EQ(m->litcolours[f].corner[k], word) << f;
         }
         for (int i = 0; i < m->usedvertexcount; ++i) {
@@ -70,35 +56,16 @@ TEST_F(modellight, sunandpointlighttermsfollowtherules) {
         alignas(16) quad n = {randomfloat(1), randomfloat(1), randomfloat(1), rng() % 8 == 0 ? 0.0f : float(1 + rng() % 3)};
         float scale = rng() % 50 == 0 ? INFINITY : 768.0f / float(1 + rng() % 2000);
 
-        float d = (n.x * t.sundirection[0] + n.y * t.sundirection[1] + n.z * t.sundirection[2]) / n.w;
-        int i = truncate(((d > 0 ? t.ambient : t.diffuse) * d * scale + t.lightfactor) * 256.0f);
-        uint32_t sun = 0xFF000000u;
-        for (int c = 0; c < 3; ++c) {
-            int64_t lit = int32_t(uint32_t(((colour >> (16 - 8 * c) & 0xFF) * t.suncolour[c]) >> 8) * uint32_t(i)) >> 8;
-            sun |= uint32_t(std::min<int64_t>(std::max<int64_t>(lit, 4), 252)) << (16 - 8 * c);
-        }
+        uint32_t sun = modelreference::sun(colour, n, scale, t);
         ASSERT_EQ(sunterm(colour, n, scale, t), sun) << round;
 
         lights.count = int(rng() % 5);
-        float p[3] = {randomfloat(500), randomfloat(500), randomfloat(500)}, acc[4], base[4];
+        float p[3] = {randomfloat(500), randomfloat(500), randomfloat(500)};
         for (int l = 0; l < lights.count; ++l) {
             for (int k = 0; k < 4; ++k) lights.position[l][k] = randomfloat(600), lights.colour[l][k] = float(rng() & 255);
             lights.radius[l] = float(rng() % 100000) * 256.0f;
         }
-        for (int k = 0; k < 4; ++k) acc[k] = float(sun >> (8 * k) & 0xFF), base[k] = acc[k] * 1.5259022e-5f;
-        for (int l = 0; l < lights.count; ++l) {
-            float dx = lights.position[l][0] - p[0], dy = lights.position[l][1] - p[1], dz = lights.position[l][2] - p[2];
-            float dist2 = dx * dx + dy * dy + dz * dz, facing = std::max(dx * n.x + dy * n.y + dz * n.z, 0.0f);
-            float falloff = _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(dist2))) * _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(dist2)));
-            float k = facing * lights.radius[l] * falloff;
-            for (int c = 0; c < 4; ++c) acc[c] = acc[c] + lights.colour[l][c] * base[c] * k;
-        }
-        uint32_t lit = 0;
-        for (int c = 0; c < 4; ++c) {
-            // Beyond the integers the conversion gives 0x80000000, which saturates to 0.
-            int rounded = std::fabs(acc[c]) < 2147483648.0f ? int(std::nearbyint(acc[c])) : INT_MIN;
-            lit |= uint32_t(std::min(std::max(rounded, 0), 255)) << (8 * c);
-        }
+        uint32_t lit = modelreference::point(sun, p, n, lights);
         ASSERT_EQ(pointlightterm(sun, _mm_setr_ps(p[0], p[1], p[2], 0.0f), _mm_load_ps(&n.x), lights), lit) << round;
     }
 }

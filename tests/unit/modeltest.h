@@ -1,5 +1,6 @@
-// Models for tests: a toolkit with the tables and a few texture descriptors, a pool small enough
-// that building moves its arena again and again, and seeded random host arrays.
+// Models for tests: the tables, a texture store whose first textures are loaded and whose others
+// the host declines, a pool small enough that building moves its arena again and again, and
+// seeded random host arrays.
 #pragma once
 #include <gtest/gtest.h>
 #include <xmmintrin.h>
@@ -9,6 +10,7 @@
 
 #include "model/build.h"
 #include "target.h"
+#include "testhost.h"
 #include "toolkit/tables.h"
 #include "toolkit/texturestore.h"
 #include "util/frame.h"
@@ -19,78 +21,60 @@ inline uint32_t floatbits(float f) {
     return u;
 }
 
+template <class T>
+hostarray<T> viewof(const std::vector<T>& v) {
+    return {v.empty() ? nullptr : v.data(), static_cast<int>(v.size())};  // empty stands for null
+}
+
 // The host's arrays of one model, random within what the host keeps to.
 struct randomhostmodel {
-    std::vector<int32_t> x, y, z, vertexgroups, facegroups, markers, billboardints;
-    std::vector<int32_t> scalex, scaley, scalez, shift0, shift1, shift2;
-    std::vector<int16_t> a, b, c, colours, textures, vertexmasks, facemasks, mapp, mapm, mapn;
-    std::vector<int8_t> types, priorities, alphas, mappings, maptype, rotation, direction;
+    std::vector<int32_t> x, y, z, vertexgroups, facegroups, markers, billboardints, scale[3], shift[3];
+    std::vector<int16_t> a, b, c, colours, textures, masks, map[3];
+    std::vector<int8_t> types, alphas, mappings, maptype, rotation, direction;
     modelsource s;
 
     randomhostmodel(testrng& rng, int texturecount) {
         auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<uint32_t>(n)); };
-        auto maybe = [&](auto& v, int n, auto value) {
-            if (pick(3) == 0) return;
+        auto fill = [&](auto& v, int n, auto value) {
             for (int i = 0; i < n; ++i) v.push_back(static_cast<std::decay_t<decltype(v[0])>>(value()));
         };
-        int vertices = 1 + pick(40), faces = pick(60);
-        s.vertexcount = vertices;
-        s.usedvertexcount = vertices - pick(std::min(vertices, 3));
-        for (auto* axis : {&x, &y, &z}) maybe(*axis, vertices, [&] { return pick(4001) - 2000; });
-        if (x.empty() || y.empty() || z.empty()) x = y = z = std::vector<int32_t>(vertices, 5);
+        auto maybe = [&](auto& v, int n, auto value) { pick(3) ? fill(v, n, value) : void(); };
+        const int vertices = 1 + pick(40), faces = pick(60), used = vertices - pick(std::min(vertices, 3));
+        for (auto* axis : {&x, &y, &z}) fill(*axis, vertices, [&] { return pick(4001) - 2000; });
         maybe(vertexgroups, vertices, [&] { return pick(12) - 2; });
-        maybe(vertexmasks, vertices, [&] { return rng(); });
-        int used = std::max(s.usedvertexcount, 1);
-        for (auto* corner : {&a, &b, &c})
-            for (int i = 0; i < faces; ++i) corner->push_back(static_cast<int16_t>(pick(used)));
+        maybe(masks, vertices, [&] { return rng(); });
+        for (auto* corner : {&a, &b, &c}) fill(*corner, faces, [&] { return pick(std::max(used, 1)); });
         maybe(types, faces, [&] { return pick(5) % 3; });
-        maybe(priorities, faces, [&] { return rng(); });
-        maybe(alphas, faces, [&] { return pick(3) ? 0 : rng(); });
-        for (int i = 0; i < faces; ++i) colours.push_back(static_cast<int16_t>(rng()));
+        maybe(alphas, faces, [&] { return pick(3) ? 0 : pick(4) ? rng() : 255; });
+        fill(colours, faces, [&] { return rng(); });
         maybe(textures, faces, [&] { return pick(4) == 0 ? -1 : pick(texturecount); });
         maybe(facegroups, faces, [&] { return pick(12) - 2; });
-        maybe(facemasks, faces, [&] { return rng(); });
-        int mappingcount = 1 + pick(5);
+        const int mappingcount = 1 + pick(5);
         maybe(mappings, faces, [&] { return pick(4) == 0 ? 0xFF : pick(mappingcount); });
         for (int m = 0; m < mappingcount; ++m) {
             int type = pick(9) == 0 ? 5 : pick(4);
             maptype.push_back(static_cast<int8_t>(type));
-            for (auto* d : {&mapp, &mapm, &mapn})
-                d->push_back(static_cast<int16_t>(type == 0 ? pick(vertices) : pick(65536) - 32768));
-            for (auto* k : {&scalex, &scaley, &scalez}) k->push_back((pick(4096) + 1) * (pick(2) ? 1 : -1) * (pick(6) ? 1 : 0));
+            for (auto& d : map) d.push_back(static_cast<int16_t>(type == 0 ? pick(vertices) : pick(65536) - 32768));
+            for (auto& k : scale) k.push_back((pick(4096) + 1) * (pick(2) ? 1 : -1) * (pick(6) ? 1 : 0));
+            for (auto& k : shift) k.push_back(pick(1024) - 512);
             rotation.push_back(static_cast<int8_t>(rng()));
             direction.push_back(static_cast<int8_t>(pick(4)));
-            for (auto* k : {&shift0, &shift1, &shift2}) k->push_back(pick(1024) - 512);
         }
         maybe(markers, pick(8), [&] { return pick(vertices); });
-        int billboards = faces ? pick(4) : 0;
-        if (billboards || pick(2)) {
-            for (int i = 0; i < billboards; ++i)
-                for (int v : {pick(faces), pick(300), pick(300), pick(texturecount), pick(6), pick(4), pick(3)})
-                    billboardints.push_back(v);
-            for (int i = 0; i < billboards; ++i) billboardints.push_back(pick(6) - 1);
-        }
-        s.facecount = faces;
-        s.functionmask = rng() & (pick(4) ? 0xFFFFF : 0xFFFFF & ~FM_KEEPCOLOURS);
-        s.modelflags = rng() & 0x7F;
-        s.ambient = pick(4) ? 64 + pick(128) : 128;
-        s.contrast = 256 + pick(1024);
-        s.renderorder = static_cast<uint8_t>(rng());
-        s.markertriangles = pick(3);
-        s.markerpoints = pick(3);
-        s.x = view(x), s.y = view(y), s.z = view(z), s.vertexgroupids = view(vertexgroups);
-        s.vertexmasks = view(vertexmasks), s.a = view(a), s.b = view(b), s.c = view(c), s.types = view(types);
-        s.priorities = view(priorities), s.alphas = view(alphas), s.mappings = view(mappings);
-        s.colours = view(colours), s.textures = view(textures), s.facegroupids = view(facegroups);
-        s.facemasks = view(facemasks), s.markers = view(markers), s.billboardints = view(billboardints);
-        s.mapping = {mappingcount, view(maptype), view(mapp), view(mapm), view(mapn), view(scalex), view(scaley),
-                     view(scalez), view(rotation), view(direction), view(shift0), view(shift1), view(shift2)};
-    }
-
-    template <class T>
-    static hostarray<T> view(const std::vector<T>& v) {
-        // An empty vector stands for a null array, but a host array of length 0 is still there.
-        return {v.empty() ? nullptr : v.data(), static_cast<int>(v.size())};
+        const int billboards = faces ? pick(4) : 0;
+        for (int i = 0; i < billboards; ++i)
+            for (int v : {pick(faces), pick(300), pick(300), pick(texturecount), pick(6), pick(4), pick(3)})
+                billboardints.push_back(v);
+        fill(billboardints, billboards, [&] { return pick(6) - 1; });
+        s = {vertices, used, viewof(x), viewof(y), viewof(z), viewof(vertexgroups), viewof(masks), faces, viewof(a),
+             viewof(b), viewof(c), viewof(types), viewof(alphas), viewof(alphas), viewof(mappings), viewof(colours),
+             viewof(textures), viewof(facegroups), static_cast<uint8_t>(rng()), viewof(masks),
+             {mappingcount, viewof(maptype), viewof(map[0]), viewof(map[1]), viewof(map[2]), viewof(scale[0]),
+              viewof(scale[1]), viewof(scale[2]), viewof(rotation), viewof(direction), viewof(shift[0]),
+              viewof(shift[1]), viewof(shift[2])},
+             viewof(markers), pick(3), pick(3), rng() & (pick(4) ? 0xFFFFF : 0xFFFFF & ~FM_KEEPCOLOURS),
+             rng() & 0x7F, pick(4) ? 64 + pick(128) : 128, 256 + pick(1024), viewof(billboardints)};
+        if (masks.size() != size_t(faces)) s.facemasks = {};
     }
 };
 
@@ -101,36 +85,38 @@ protected:
         buildhsltorgb();
     }
     void SetUp() override {
-        savedtoolkit = currenttoolkit;
-        currenttoolkit = &t;
-        t.textures = &store;
-        store.descriptors = descriptors;
-        hostmxcsr = _mm_getcsr();
         _mm_setcsr(librarymxcsr);
-        for (texturedescriptor& d : descriptors) {
+        t.textures = store;
+        std::vector<uint32_t> pixels(texturesize * texturesize);
+        for (int id = 0; id < texturecount; ++id) {
+            texturedescriptor& d = descriptors[id];
+            d = {};
             d.value = static_cast<int>(rng() % 3);
+            d.type = rng() % 4 ? 0 : 6;
             d.speedu = static_cast<int8_t>(rng() % 4 == 0 ? rng() : 0);
-            d.speedv = static_cast<int8_t>(rng() % 4 == 0 ? rng() : 0);
             d.hidden = rng() % 3 == 0;
             d.flagthree = rng() % 4 == 0;
+            d.flagfive = rng() % 4 == 0, d.flagsix = rng() % 4 == 0;
             d.blend = static_cast<uint8_t>(rng() % 2 ? rng() : 0);
             d.bright = static_cast<uint8_t>(rng() % 2 ? rng() : 0);
+            for (uint32_t& p : pixels) p = rng() % 4 ? randompixel(rng) : 0;
+            if (id < loadedtextures) loadtexture(*store, id, d, pixels.data());
         }
     }
     void TearDown() override {
         _mm_setcsr(hostmxcsr);
-        currenttoolkit = savedtoolkit;
+        destroytexturestore(store);
     }
 
-    static constexpr int texturecount = 8;
+    static constexpr int texturecount = 8, loadedtextures = 6;  // the host declines the others
     testrng rng{20261123};
-    toolkit t{};
-    texturestore store{};
-    texturedescriptor descriptors[texturecount]{};
+    testhost host;  // its toolkit is current
+    toolkit& t = host.t;
+    texturestore* store = maketexturestore(texturecount);
+    texturedescriptor* descriptors = store->descriptors;
     // Small, so that building grows the arena, which moves every block, many times over.
     memorymanager pool{1024};
 
 private:
-    toolkit* savedtoolkit;
-    unsigned hostmxcsr;
+    unsigned hostmxcsr = _mm_getcsr();
 };

@@ -1,0 +1,153 @@
+// Whole model draws against the reference face road through the rasteriser's scalar reference,
+// bit for bit, over random models under random cameras, lights, fog and shade, in all 18 members;
+// degenerate matrices into the fenced target; and no allocation once a model is lit.
+#include <cstdlib>
+#include <new>
+#include <set>
+
+#include "model/render.h"
+#include "modelreference.h"
+#include "modeltest.h"
+#include "toolkit/light.h"
+#include "toolkit/view.h"
+
+namespace {
+int newcount;
+}  // namespace
+
+// Every heap allocation of the test program is counted.
+void* operator new(size_t size) {
+    ++newcount;
+    if (void* p = std::malloc(size ? size : 1)) return p;
+    throw std::bad_alloc();
+}
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, size_t) noexcept { std::free(p); }
+
+namespace {
+
+constexpr int width = 64, height = 48;
+
+class modelrender : public modeltest {
+protected:
+    guarded<uint32_t> colour[2] = {guarded<uint32_t>(width * height), guarded<uint32_t>(width * height)};
+    guarded<float> depth[2] = {guarded<float>(width * height), guarded<float>(width * height)};
+    renderworkspace* workspace = makeworkspace(t, 0, 0);
+    rasterstatedata saved = rasterstate;
+    alignas(16) float matrix[16];
+
+    void TearDown() override {
+        destroyworkspace(workspace);
+        rasterstate = saved;
+        modeltest::TearDown();
+    }
+    float uniform(float low, float high) { return low + (high - low) * float(rng() % 65536) / 65536.0f; }
+
+    // A camera looking down z at a model about 30 units away, with random light, fog and shade.
+    void scene(bool withcolour, bool withdepth) {
+        t.width = width, t.height = height;
+        setviewport(0, 0, width, height, 0.0f, 1.0f);
+        setcliprect(t, 0, 0, width, height);
+        rasterstate.targetstride = width;
+        alignas(16) float view[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+        alignas(16) float projection[16] = {1.5f, 0, 0, 0, 0, 1.5f, 0, 0, 0, 0, 1.001f, 1, 0, 0, -2.001f, 0};
+        setviewmatrix(t, view);
+        setprojectionmatrix(t, projection);
+        setsun(t, int(rng()), uniform(0, 1), uniform(0, 1), uniform(-1, 1), uniform(-1, 1), uniform(-1, 1));
+        t.lightfactor = uniform(0, 1.2f);
+        int lights[4 * 5];
+        float intensities[4];
+        for (int i = 0; i < 4; ++i) {
+            const int values[5] = {int(rng() % 41) - 20, int(rng() % 41) - 20, int(rng() % 40), int(rng() % 30), int(rng())};
+            std::copy(values, values + 5, lights + 5 * i);
+            intensities[i] = uniform(0, 1);
+        }
+        setpointlights(t, int(rng() % 3) * 2, lights, intensities);
+        setfog(t, int(rng()), rng() % 3 ? 1960 + int(rng() % 40) : 0);
+        setshade(t, int(rng() % 41) - 20, int(rng()), 1 + int(rng() % 40));
+        t.fogoverride = rng() % 2;
+        // The loaded textures as animation and a reload may leave them, unlike their descriptors.
+        for (texturerecord& r : store->records) {
+            std::fill(r.offsetu, r.offsetu + 4, uniform(0, 128)), std::fill(r.offsetv, r.offsetv + 4, uniform(0, 128));
+            r.value = int(rng() % 3), r.flagfive = rng() % 4 == 0, r.flagsix = rng() % 4 == 0;
+        }
+        for (int i = 0; i < width * height; ++i) {
+            colour[0][i] = colour[1][i] = randompixel(rng);
+            depth[0][i] = depth[1][i] = rng() % 4 ? uniform(0.9f, 1.0f) : 1.0f;
+        }
+        for (int i = 0; i < 12; ++i) matrix[i] = i % 4 == 3 ? 0.0f : uniform(-0.012f, 0.012f);
+        const float place[4] = {uniform(-5, 5) + (rng() % 8 ? 0.0f : 10000.0f), uniform(-5, 5), uniform(22, 40), 1.0f};
+        std::copy(place, place + 4, matrix + 12);
+        target(0, withcolour, withdepth);
+    }
+    void target(int which, bool withcolour, bool withdepth) {
+        t.colourbuffer = rasterstate.targetcolour = withcolour ? colour[which].get() : nullptr;
+        t.depthbuffer = rasterstate.targetdepth = withdepth ? depth[which].get() : nullptr;
+    }
+};
+
+TEST_F(modelrender, everymemberdrawsasthereferencefaceroad) {
+    std::set<int> members;
+    for (int round = 0; round < 600 && !HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        randomhostmodel h(rng, texturecount);
+        h.s.billboardints = {};
+        h.s.functionmask |= FM_KEEPCOLOURS;
+        std::unique_ptr<model> m = buildmodel(h.s, pool);
+        const int buffers = int(rng() % 3);
+        scene(buffers != 2, buffers != 1);
+        if (m->facecount == 0) continue;
+        computebounds(*m);
+        lightpass(*m);
+        // Shared normals replace a smooth corner's own where their weight is not 0.
+        if (rng() % 2) pool.allocate(m->sharednormals, m->usedvertexcount);
+        for (int i = 0; i < m->sharednormals.length(); ++i)
+            m->sharednormals[i] = {uniform(-2, 2), uniform(-2, 2), uniform(-2, 2), rng() % 3 ? uniform(0.5f, 3) : 0.0f};
+        const bool translucent = m->hastranslucency;
+        int result[6] = {}, untouched[6] = {};
+        const int member = drawmodel(*m, *workspace, matrix, result);
+        target(1, buffers != 2, buffers != 1);
+        bool seen = translucent;
+        const bool drawn = modelreference::draw(*m, t, matrix, translucent, seen);
+        EXPECT_EQ(m->hastranslucency != 0, seen);
+        EXPECT_EQ(member >= 0, drawn);
+        EXPECT_EQ(std::memcmp(result, untouched, sizeof result) != 0, drawn);
+        EXPECT_EQ(result[5], drawn);
+        members.insert(member);
+        ASSERT_TRUE(colour[0].intact() && depth[0].intact());
+        for (int i = 0; i < width * height; ++i)
+            ASSERT_TRUE(colour[0][i] == colour[1][i] && floatbits(depth[0][i]) == floatbits(depth[1][i])) << i;
+    }
+    EXPECT_EQ(members.size(), 19u);  // and -1 for the culled
+}
+
+// Matrices with NaN, huge, tiny and zero entries, with billboards: nothing is written outside the
+// target, and nothing faults.
+TEST_F(modelrender, degeneratematricesstayinsidethetarget) {
+    const float extremes[] = {NAN, INFINITY, -1e30f, 1e-30f, 0.0f, 1e20f};
+    for (int round = 0; round < 300; ++round) {
+        randomhostmodel h(rng, texturecount);
+        std::unique_ptr<model> m = buildmodel(h.s, pool);
+        scene(true, rng() % 2);
+        for (int k = int(rng() % 4); k >= 0; --k) matrix[rng() % 16] = extremes[rng() % 6];
+        drawmodel(*m, *workspace, matrix, nullptr);
+        ASSERT_TRUE(colour[0].intact() && depth[0].intact()) << round;
+    }
+}
+
+// Once a model is lit a draw takes nothing from the heap or the pool, textures declined or not.
+TEST_F(modelrender, drawsallocatenothingoncethemodelislit) {
+    randomhostmodel h(rng, texturecount);
+    while (h.s.facecount < 40 || h.billboardints.empty()) h = randomhostmodel(rng, texturecount);
+    std::unique_ptr<model> m = buildmodel(h.s, pool);
+    scene(true, true);
+    host.loads.reserve(100);
+    for (int draw = 0; draw < 4; ++draw) {
+        int before = newcount, bytes = allocatedbytes;
+        drawmodel(*m, *workspace, matrix, nullptr);
+        EXPECT_TRUE(draw == 0 || (newcount == before && allocatedbytes == bytes)) << draw;
+    }
+    EXPECT_FALSE(m->litcolours.empty());
+}
+
+}  // namespace
