@@ -57,17 +57,32 @@ inline uint32_t point(uint32_t colour, const float* p, const quad& n, const poin
     return out;
 }
 
-// One draw of `m`, lit, with `translucent` the model's flag at its start, under `matrix` (model
-// to world), into the buffers of `rasterstate`; faces only. False when the cull rejects it;
-// `seen` turns true where a drawn face shows translucency.
+// The mean of the unit normals of a vertex's smooth faces, and each flat face's own.
+inline void normals(const model& m, std::vector<quad>& normal, std::vector<quad>& flat) {
+    normal.assign(size_t(m.usedvertexcount), quad{}), flat.assign(m.facecount, quad{});
+    for (int f = 0; f < m.facecount; ++f) {
+        const quad &a = m.vertices[m.facea[f]], &b = m.vertices[m.faceb[f]], &c = m.vertices[m.facec[f]];
+        float u[3] = {b.x - a.x, b.y - a.y, b.z - a.z}, v[3] = {c.x - a.x, c.y - a.y, c.z - a.z};
+        float n[3] = {u[1] * v[2] - u[2] * v[1], u[2] * v[0] - u[0] * v[2], u[0] * v[1] - u[1] * v[0]};
+        float len = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]), r = len != 0 ? 1.0f / len : 1.0f;
+        flat[f] = {n[0] * r, n[1] * r, n[2] * r, 1.0f};
+        for (int k : {m.facea[f], m.faceb[f], m.facec[f]})
+            if (m.facetypes.empty() || m.facetypes[f] == 0)
+                normal[k] = {normal[k].x + flat[f].x, normal[k].y + flat[f].y, normal[k].z + flat[f].z, normal[k].w + 1};
+    }
+    for (quad& n : normal)
+        if (n.w != 0) n = {n.x * (1.0f / n.w), n.y * (1.0f / n.w), n.z * (1.0f / n.w), 1.0f};
+}
+
+// One draw of `m` with its colour codes, with `translucent` the model's flag at its start, under
+// `matrix` (model to world), into the buffers of `rasterstate`; faces only. False when the cull
+// rejects it; `seen` turns true where a drawn face shows translucency.
 inline bool draw(const model& m, const toolkit& t, const float* matrix, bool translucent, bool& seen) {
-    alignas(16) float mvp[16];
+    alignas(16) float mvp[16], ends[2][4], screen[2][4];
     multiplymatrices(matrix, t.viewprojection, mvp);
-    auto axis = [&](float y) { return _mm_setr_ps(0.0f, y, 0.0f, 1.0f); };
-    alignas(16) float ends[2][4], screen[2][4];
     for (int e = 0; e < 2; ++e) {
-        _mm_store_ps(ends[e], transformpoint(axis(e ? m.maxy : m.miny), matrix));
-        _mm_store_ps(screen[e], projectpoint(axis(e ? m.maxy : m.miny), mvp));
+        _mm_store_ps(ends[e], transformpoint(_mm_setr_ps(0, e ? m.maxy : m.miny, 0, 1), matrix));
+        _mm_store_ps(screen[e], projectpoint(_mm_setr_ps(0, e ? m.maxy : m.miny, 0, 1), mvp));
     }
     for (const float* p : t.frustumplanes) {
         float d[2];
@@ -81,70 +96,61 @@ inline bool draw(const model& m, const toolkit& t, const float* matrix, bool tra
     pointlights lights{};
     lights.count = t.lightcount;
     for (int l = 0; l < t.lightcount; ++l) {
-        const float* p = t.lightposition[l];
-        float d[3] = {p[0] - matrix[12], p[1] - matrix[13], p[2] - matrix[14]};
+        const float *p = t.lightposition[l], d[3] = {p[0] - matrix[12], p[1] - matrix[13], p[2] - matrix[14]};
         for (int k = 0; k < 4; ++k) {
             lights.position[l][k] = d[0] * matrix[4 * k] + d[1] * matrix[4 * k + 1] + d[2] * matrix[4 * k + 2];
             lights.colour[l][k] = float(uint32_t(t.lightcolour[l]) >> (8 * k) & 0xFF);
         }
         lights.radius[l] = t.lightradius[l];
     }
+    std::vector<quad> normal, flat;
+    normals(m, normal, flat);
     std::vector<std::array<float, 4>> at(size_t(m.usedvertexcount));
     for (int i = 0; i < m.usedvertexcount; ++i) {
-        alignas(16) float s[4];
-        _mm_store_ps(s, projectpoint(_mm_setr_ps(m.vertices[i].x, m.vertices[i].y, m.vertices[i].z, 1.0f), mvp));
-        at[size_t(i)] = {s[0], s[1], s[2], s[2]};
+        _mm_storeu_ps(at[i].data(), projectpoint(_mm_setr_ps(m.vertices[i].x, m.vertices[i].y, m.vertices[i].z, 1), mvp));
+        at[i][3] = at[i][2];
     }
-    auto height = [&](int i) {
-        const quad& v = m.vertices[i];
-        return -(v.x * matrix[1] + v.y * matrix[5] + v.z * matrix[9] + matrix[13]);
-    };
     for (int pass = translucent ? 1 : 0; pass < (translucent ? 3 : 1); ++pass)
         for (int f = 0; f < m.facecount; ++f) {
-            int type = m.facetypes.empty() ? 0 : m.facetypes[f];
+            int type = m.facetypes.empty() ? 0 : m.facetypes[f], alpha = m.facealphas.empty() ? 0 : m.facealphas[f];
             const int c[3] = {m.facea[f], m.faceb[f], m.facec[f]};
             if (type == 2 || !rasterreference::accept(at[c[0]].data(), at[c[1]].data(), at[c[2]].data())) continue;
             alignas(16) rastertriangle tri{};
-            for (int k = 0; k < 3; ++k) std::copy(at[c[k]].begin(), at[c[k]].end(), tri.position[k]);
             bool drop = false;
-            for (int k = 0; k < 4 && shade && colour; ++k) {
-                float s = ((k < 3 ? height(c[k]) : 1.0f) - t.shadestartf) * t.shadescale;
-                tri.shadefactor[k] = rasterreference::minss(rasterreference::maxss(s, 0.0f), 1.0f);
+            for (int k = 0; k < 4; ++k) {
+                if (k < 3) std::copy(at[c[k]].begin(), at[c[k]].end(), tri.position[k]);
+                const quad& v = m.vertices[c[k % 3]];
+                float h = k < 3 ? -(v.x * matrix[1] + v.y * matrix[5] + v.z * matrix[9] + matrix[13]) : 1.0f;
+                tri.shadefactor[k] = rasterreference::minss(rasterreference::maxss((h - t.shadestartf) * t.shadescale, 0), 1);
                 tri.shadetint[k] = rasterstate.shadecolour[k];
-                drop = drop || (k < 3 && tri.shadefactor[k] == 1.0f);
+                drop = drop || (shade && colour && k < 3 && tri.shadefactor[k] == 1.0f);
             }
             const texturerecord* r = f < m.texturedfacecount && (colour || pass) ? gettexture(m.facetextures[f]) : nullptr;
-            int alpha = m.facealphas.empty() ? 0 : m.facealphas[f];
-            bool alphatexture = r && r->value == 2;
+            const bool alphatexture = r && r->value == 2, textured = colour && r && r->pixels;
             if (drop || (pass == 1 && (alpha || alphatexture)) || (pass == 2 && (alpha == 255 || !(alphatexture || alpha))))
                 continue;
-            if (!colour) {
-                rasterreference::triangle(modeltriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false, depth), tri);
-                continue;
-            }
-            uint32_t w[3] = {m.litcolours[f].corner[0], m.litcolours[f].corner[1], m.litcolours[f].corner[2]};
-            if ((pointlit ? !m.normals.empty() : m.facenormals.length() > 0) && !(r && r->type == 6) && type < 2)
-                for (int k = 0; k < 3; ++k) {
-                    bool shared = !m.sharednormals.empty() && m.sharednormals[c[k]].w != 0;
-                    const quad& n = type ? m.facenormals[f] : shared ? m.sharednormals[c[k]] : m.normals[c[k]];
+            const texturedescriptor* d = f < m.texturedfacecount ? getdescriptor(m.facetextures[f]) : nullptr;
+            const uint32_t lit = uint32_t(255 - alpha) << 24 | base(m.fhsl[f], d, m.ambient);
+            uint32_t w[3] = {lit, lit, lit};
+            for (int k = 0; k < 3; ++k) {
+                bool shared = !m.sharednormals.empty() && m.sharednormals[c[k]].w != 0;
+                const quad& n = type ? flat[f] : shared ? m.sharednormals[c[k]] : normal[c[k]];
+                if (!(r && r->type == 6) && type < 2) {
                     w[k] = sun(w[k], n, (type ? 512.0f : 768.0f) / float(m.contrast), t);
                     if (pointlit) w[k] = point(w[k], &m.vertices[c[k]].x, n, lights);
                 }
-            for (int k = 0; k < 3; ++k)
-                for (int lane = 0; lane < 8; ++lane) tri.colour[k][lane] = uint16_t((w[k] >> (8 * (lane & 3)) & 0xFF) << 8);
-            tri.blendfactor = uint32_t(255 - alpha) * 0x10001u;
-            blended mix = alpha ? blended::yes : blended::no;
-            if (!r || !r->pixels) {
-                rasterreference::triangle(modeltriangle(steps, shading::gouraud, alphamode::opaque, wrapmode::repeat, mix, true, depth), tri);
-                continue;
+                setcolourlanes(tri.colour[k], w[k]);
+                const texel uv = !textured ? texel{} : k == 0 ? m.uva[f] : k == 1 ? m.uvb[f] : m.uvc[f];
+                for (int lane = 0; lane < 4 && textured; ++lane)
+                    tri.uv[k][lane] = lane & 1 ? uv.v + r->offsetv[0] : uv.u + r->offsetu[0];
             }
-            const texel* uv[3] = {&m.uva[f], &m.uvb[f], &m.uvc[f]};
-            for (int k = 0; k < 3; ++k)
-                for (int lane = 0; lane < 4; ++lane) tri.uv[k][lane] = (lane & 1 ? uv[k]->v + r->offsetv[0] : uv[k]->u + r->offsetu[0]);
-            tri.texels[0] = r->pixels;
-            seen = seen || alpha || alphatexture;
-            wrapmode wrap = r->flagfive || r->flagsix ? wrapmode::repeat : wrapmode::clamp;
-            rasterreference::triangle(modeltriangle(steps, shading::textured, alphamodeof(r->value), wrap, mix, true, depth), tri);
+            tri.blendfactor = uint32_t(255 - alpha) * 0x10001u;
+            tri.texels[0] = textured ? r->pixels : nullptr;
+            seen = seen || (textured && (alpha || alphatexture));
+            const wrapmode wrap = textured && !(r->flagfive || r->flagsix) ? wrapmode::clamp : wrapmode::repeat;
+            rasterreference::triangle(modeltriangle(steps, textured ? shading::textured : shading::gouraud,
+                                                    textured ? alphamodeof(r->value) : alphamode::opaque, wrap,
+                                                    alpha ? blended::yes : blended::no, colour, depth), tri);
         }
     return true;
 }

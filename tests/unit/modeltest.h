@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <xmmintrin.h>
 
+#include <bit>
 #include <cstring>
 #include <vector>
 
@@ -15,11 +16,7 @@
 #include "toolkit/texturestore.h"
 #include "util/frame.h"
 
-inline uint32_t floatbits(float f) {
-    uint32_t u;
-    std::memcpy(&u, &f, 4);
-    return u;
-}
+inline uint32_t floatbits(float f) { return std::bit_cast<uint32_t>(f); }
 
 template <class T>
 hostarray<T> viewof(const std::vector<T>& v) {
@@ -51,15 +48,13 @@ struct randomhostmodel {
         maybe(facegroups, faces, [&] { return pick(12) - 2; });
         const int mappingcount = 1 + pick(5);
         maybe(mappings, faces, [&] { return pick(4) == 0 ? 0xFF : pick(mappingcount); });
-        for (int m = 0; m < mappingcount; ++m) {
-            int type = pick(9) == 0 ? 5 : pick(4);
-            maptype.push_back(static_cast<int8_t>(type));
-            for (auto& d : map) d.push_back(static_cast<int16_t>(type == 0 ? pick(vertices) : pick(65536) - 32768));
-            for (auto& k : scale) k.push_back((pick(4096) + 1) * (pick(2) ? 1 : -1) * (pick(6) ? 1 : 0));
-            for (auto& k : shift) k.push_back(pick(1024) - 512);
-            rotation.push_back(static_cast<int8_t>(rng()));
-            direction.push_back(static_cast<int8_t>(pick(4)));
-        }
+        fill(maptype, mappingcount, [&] { return pick(9) == 0 ? 5 : pick(4); });
+        for (int m = 0; m < mappingcount; ++m)
+            for (auto& d : map) d.push_back(int16_t(maptype[m] == 0 ? pick(vertices) : pick(65536) - 32768));
+        for (auto& k : scale) fill(k, mappingcount, [&] { return (pick(4096) + 1) * (pick(2) ? 1 : -1) * (pick(6) ? 1 : 0); });
+        for (auto& k : shift) fill(k, mappingcount, [&] { return pick(1024) - 512; });
+        fill(rotation, mappingcount, [&] { return rng(); });
+        fill(direction, mappingcount, [&] { return pick(4); });
         maybe(markers, pick(8), [&] { return pick(vertices); });
         const int billboards = faces ? pick(4) : 0;
         for (int i = 0; i < billboards; ++i)
@@ -89,16 +84,10 @@ protected:
         t.textures = store;
         std::vector<uint32_t> pixels(texturesize * texturesize);
         for (int id = 0; id < texturecount; ++id) {
-            texturedescriptor& d = descriptors[id];
-            d = {};
-            d.value = static_cast<int>(rng() % 3);
-            d.type = rng() % 4 ? 0 : 6;
-            d.speedu = static_cast<int8_t>(rng() % 4 == 0 ? rng() : 0);
-            d.hidden = rng() % 3 == 0;
-            d.flagthree = rng() % 4 == 0;
-            d.flagfive = rng() % 4 == 0, d.flagsix = rng() % 4 == 0;
-            d.blend = static_cast<uint8_t>(rng() % 2 ? rng() : 0);
-            d.bright = static_cast<uint8_t>(rng() % 2 ? rng() : 0);
+            texturedescriptor& d = descriptors[id] = {};
+            d.value = int(rng() % 3), d.type = rng() % 4 ? 0 : 6, d.speedu = int8_t(rng() % 4 ? 0 : rng());
+            d.hidden = rng() % 3 == 0, d.flagthree = rng() % 4 == 0;
+            d.blend = uint8_t(rng() % 2 ? rng() : 0), d.bright = uint8_t(rng() % 2 ? rng() : 0);
             for (uint32_t& p : pixels) p = rng() % 4 ? randompixel(rng) : 0;
             if (id < loadedtextures) loadtexture(*store, id, d, pixels.data());
         }
