@@ -9,6 +9,7 @@ packages=(
   junit5
   libx11-dev xvfb x11-utils
   libpixman-1-dev
+  uuid-dev lldb
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -29,10 +29,10 @@ class CameraLightTest {
     void amissingarrayisafaultthatreleasestheothers() {
         try (Scene s = new Scene(8, 8)) {
             int[] lights = {1, 2, 3, 4, 0xFF0000};
-            FrameTest.assertfault(() -> s.toolkit.AA(null));
-            FrameTest.assertfault(() -> s.toolkit.wa(null));
-            FrameTest.assertfault(() -> s.toolkit.Q(1, lights, null));
-            FrameTest.assertfault(() -> s.toolkit.Q(1, null, new float[] {1f}));
+            CrashTest.assertdump(() -> s.toolkit.AA(null));
+            CrashTest.assertdump(() -> s.toolkit.wa(null));
+            CrashTest.assertdump(() -> s.toolkit.Q(1, lights, null));
+            CrashTest.assertdump(() -> s.toolkit.Q(1, null, new float[] {1f}));
             for (int i = 0; i < 3; ++i) System.gc();
             s.toolkit.Q(1, lights, new float[] {1f});
             s.toolkit.AA(PERSPECTIVE);

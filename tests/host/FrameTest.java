@@ -1,20 +1,21 @@
 import static org.junit.jupiter.api.Assertions.*;
 
+import java.io.File;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.HashSet;
+import java.util.Set;
 import java.util.concurrent.atomic.AtomicBoolean;
 import java.util.concurrent.atomic.AtomicLong;
 import java.util.concurrent.atomic.AtomicReference;
+import morvik.graphics2.NativeError;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
 
 // How a call enters and leaves the library: peers, failures, faults and what the host's thread
 // keeps of it.
 class FrameTest {
     static final String FAULT = "System exception occured";
-
-    static void assertfault(Runnable call) {
-        RuntimeException e = assertThrows(RuntimeException.class, call::run);
-        assertEquals(RuntimeException.class, e.getClass());
-        assertEquals(FAULT, e.getMessage());
-    }
 
     @Test
     void nullobjectwhereapeerisreadraisesnullpointerexceptionwithemptymessage() {
@@ -39,13 +40,13 @@ class FrameTest {
     }
 
     // Faults in the library's own code and in the C library it calls come back as the host's
-    // runtime exception, and the library keeps working after them.
+    // error class with a dump, and the library keeps working after them.
     @Test
     void faultsreturntothehostandthelibrarygoeson() {
         try (Scene s = new Scene(8, 8)) {
-            assertfault(() -> s.toolkit.xa(null));
-            assertfault(() -> s.toolkit.qa(null));
-            assertfault(() -> s.toolkit.BA(0, 0, 2, 2, null, 0, 2));
+            CrashTest.assertdump(() -> s.toolkit.xa(null));
+            CrashTest.assertdump(() -> s.toolkit.qa(null));
+            CrashTest.assertdump(() -> s.toolkit.BA(0, 0, 2, 2, null, 0, 2));
             s.toolkit.B(0, 0, 8, 8, 0xFF102030, 0);
             assertEquals(0xFF102030, s.pixel(7, 7));
         }
@@ -55,7 +56,7 @@ class FrameTest {
     @Test
     void faultreleasesheldpins() {
         try (Scene s = new Scene(8, 8)) {
-            assertfault(() -> s.toolkit.E(1 << 30, 0, 4, 4));
+            CrashTest.assertdump(() -> s.toolkit.E(1 << 30, 0, 4, 4));
             for (int i = 0; i < 3; ++i) System.gc();
             int[] viewport = new int[4];
             s.toolkit.xa(viewport);
@@ -74,16 +75,18 @@ class FrameTest {
             assertNotEquals(0f, tiny / 4f);
             assertThrows(IllegalArgumentException.class, () -> s.toolkit.B(0, 0, 4, 4, 0, 7));
             assertNotEquals(0f, tiny / 4f);
-            assertfault(() -> s.toolkit.xa(null));
+            CrashTest.assertdump(() -> s.toolkit.xa(null));
             assertNotEquals(0f, tiny / 4f);
         }
     }
 
     @Test
-    void faultsunderloadleavethejvmuntouched() throws Exception {
-        Jvm child = Jvm.run(FaultStorm.class);
+    void faultsunderloadleavethejvmuntouched(@TempDir Path folder) throws Exception {
+        Jvm child = Jvm.run(FaultStorm.class, "-Djava.io.tmpdir=" + folder);
+        assertEquals(FaultStorm.DUMPS, child.throwing().size());
         assertEquals("", child.unexpectedoutput());
         assertEquals(0, child.exit);
+        assertEquals(0, Files.list(folder).count());
     }
 
     @Test
@@ -117,8 +120,9 @@ class FrameTest {
             xa(viewport);
             try {
                 xa(null);
-            } catch (RuntimeException e) {
-                if (FAULT.equals(e.getMessage())) ++nestedfaults;
+            } catch (NativeError e) {
+                ++nestedfaults;
+                new File(e.getMessage()).delete();
             }
         }
     }
@@ -157,9 +161,12 @@ class FrameTest {
         }
     }
 
-    // 10,000 faults in a row while another thread takes its own null-pointer and division
-    // faults in compiled code and keeps the collector busy. Prints nothing when all is well.
+    // 10,000 faults in a row on a thread without the crash handler, then 200 on the drawing thread,
+    // each with a dump that is checked and removed, while another thread takes its own null-pointer
+    // and division faults in compiled code and keeps the collector busy. Prints only the dumps'
+    // "Throwing: " lines when all is well.
     static final class FaultStorm {
+        static final int DUMPS = 200;
         static volatile Object[] things = {new Object(), null};
         static volatile int[] divisors = {1, 0};
         static volatile byte[] garbage;
@@ -195,16 +202,22 @@ class FrameTest {
                 }
             });
             other.start();
-            int[] pixels = null;
-            for (int n = 0; n < 10000; ++n) {
-                try {
-                    if (n % 2 == 0) toolkit.xa(null);
-                    else toolkit.BA(0, 0, 1, 1, pixels, 0, 1);
-                    check(false, "no fault at " + n);
-                } catch (RuntimeException e) {
-                    check(e.getClass() == RuntimeException.class && FAULT.equals(e.getMessage()), "fault " + n + ": " + e);
+            Thread plain = new Thread(() -> {
+                for (int n = 0; n < 10000; ++n) {
+                    String what = CrashTest.raised(fault(toolkit, n));
+                    check(CrashTest.PLAIN.equals(what), "fault " + n + ": " + what);
+                    if (n % 1000 == 0) System.gc();
                 }
-                if (n % 1000 == 0) System.gc();
+            });
+            plain.start();
+            plain.join();
+            Set<String> dumps = new HashSet<>();
+            for (int n = 0; n < DUMPS; ++n) {
+                String what = CrashTest.raised(fault(toolkit, n));
+                check(what.startsWith(CrashTest.ERROR) && dumps.add(what), "dump " + n + ": " + what);
+                Path dump = Path.of(what.substring(CrashTest.ERROR.length()));
+                CrashTest.streams(dump);
+                Files.delete(dump);
             }
             stop.set(true);
             other.join();
@@ -213,6 +226,10 @@ class FrameTest {
             toolkit.PA(null);
             canvas.ma(0);
             toolkit.ma(0);
+        }
+
+        static Runnable fault(ja toolkit, int n) {
+            return n % 2 == 0 ? () -> toolkit.xa(null) : () -> toolkit.BA(0, 0, 1, 1, null, 0, 1);
         }
     }
 
