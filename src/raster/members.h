@@ -39,10 +39,13 @@ constexpr spanmember colourlessspan(depthmode d) {
 constexpr spanmember modelspan(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth) {
     if (!colour) return colourlessspan(depth ? depthmode::testwrite : depthmode::none);
     if (s == shading::gouraud)
-        return gouraudspan(!depth ? depthmode::none : b == blended::yes ? depthmode::testonly : depthmode::testwrite, b);
+        return gouraudspan(!depth              ? depthmode::none
+                           : b == blended::yes ? depthmode::testonly
+                                               : depthmode::testwrite,
+                           b);
     if (a == alphamode::alpha) b = blended::no;
     bool shade = r == recipe::fogshade || r == recipe::shadeonly;
-    depthmode d = !depth                             ? depthmode::none
+    depthmode d = !depth                           ? depthmode::none
                   : a == alphamode::alpha && shade ? depthmode::testonly
                                                    : depthmode::testwrite;
     return spanmember(s, d, a, w, b, r == recipe::plain ? addterm::no : addterm::yes, layers::single, shadowed::no);

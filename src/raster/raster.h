@@ -54,7 +54,7 @@ constexpr alphamode alphamodeof(int value) {
 // One screen-space triangle, filled by the caller. A colour lane set is four 16-bit lanes in the
 // byte order of a pixel (blue, green, red, alpha), each byte in the high half.
 struct alignas(16) rastertriangle {
-    alignas(16) float position[3][4];  // x, y in pixels, projected z, z again
+    alignas(16) float position[3][4];   // x, y in pixels, projected z, z again
     alignas(16) uint16_t colour[3][8];  // the low four lanes are read
     alignas(16) float uv[3][4];         // u, v, u, v in texels
     alignas(16) float uvscale[3][4];
@@ -107,8 +107,9 @@ trianglefunction rawtriangle(bool colour, bool depth);
 // A pixel word as a colour lane set, in both halves of a 16-byte slot.
 inline void setcolourlanes(uint16_t* lanes, uint32_t pixel) {
     __m128i bytes = _mm_cvtsi32_si128(static_cast<int>(pixel));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), _mm_unpacklo_epi64(_mm_unpacklo_epi8(_mm_setzero_si128(), bytes),
-                                                                            _mm_unpacklo_epi8(_mm_setzero_si128(), bytes)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes),
+                     _mm_unpacklo_epi64(_mm_unpacklo_epi8(_mm_setzero_si128(), bytes),
+                                        _mm_unpacklo_epi8(_mm_setzero_si128(), bytes)));
 }
 
 // Whether a face goes on to be drawn, from its three projected vertices (x, y, z, z each): all

@@ -24,7 +24,8 @@ constexpr const spanfunction* spanslot(const spanmember& m) {
     return found;
 }
 
-constexpr int selectioncount = axiscount<recipe> * 2 * axiscount<alphamode> * axiscount<wrapmode> * axiscount<blended> * 4;
+constexpr int selectioncount =
+    axiscount<recipe> * 2 * axiscount<alphamode> * axiscount<wrapmode> * axiscount<blended> * 4;
 
 constexpr int selectionkey(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth) {
     int key = int(r) * 2 + (s == shading::textured);
@@ -76,4 +77,6 @@ spanfunction choosespan(recipe r, shading s, alphamode a, wrapmode w, blended b,
     return slot ? *slot : nullptr;
 }
 
-trianglefunction rawtriangle(bool colour, bool depth) { return colour || depth ? trianglefor(rawmember(colour, depth)) : nullptr; }
+trianglefunction rawtriangle(bool colour, bool depth) {
+    return colour || depth ? trianglefor(rawmember(colour, depth)) : nullptr;
+}

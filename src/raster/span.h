@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstdint>
 
 #include "raster/members.h"
@@ -21,6 +22,16 @@ namespace spanlanes {
 [[gnu::always_inline]] inline __m128i lanesfrom(int from) {
     alignas(16) static constexpr int32_t above[8] = {0, 0, 0, 0, -1, -1, -1, -1};
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(above + 4 - from));
+}
+
+// z0 - b * dz in extended precision, rounded once to a float. b * dz is exact in a double, and
+// so is the difference unless b * dz is more than 2^27 times z0; a difference too small to reach
+// z0's last bit leaves z0 in both precisions. The rest goes through the extended type.
+[[gnu::always_inline]] inline float firstz(float z0, float dz, int b) {
+    const double step = static_cast<double>(b) * static_cast<double>(dz);
+    if (__builtin_expect(std::fabs(step) > std::fabs(static_cast<double>(z0)) * 134217728.0, 0))
+        return static_cast<float>(static_cast<long double>(z0) - static_cast<long double>(step));
+    return static_cast<float>(static_cast<double>(z0) - step);
 }
 
 // A colour lane set's left and right halves as float lanes, the difference per pixel with the
@@ -46,8 +57,10 @@ struct colourgroup {
     // Lane j of the first group is the start at lane b, less b steps, plus j steps.
     [[gnu::always_inline]] colourgroup(const colourrow& row, int b) {
         __m128i back = _mm_set1_epi16(static_cast<short>(b));
-        low = _mm_add_epi16(row.start, _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(0, 0, 0, 0, 1, 1, 1, 1), back), row.step));
-        high = _mm_add_epi16(row.start, _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(2, 2, 2, 2, 3, 3, 3, 3), back), row.step));
+        low = _mm_add_epi16(row.start,
+                            _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(0, 0, 0, 0, 1, 1, 1, 1), back), row.step));
+        high = _mm_add_epi16(row.start,
+                             _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(2, 2, 2, 2, 3, 3, 3, 3), back), row.step));
         step4 = _mm_slli_epi16(row.step, 2);
     }
     [[gnu::always_inline]] void advance() {
@@ -170,10 +183,10 @@ struct spanframe {
         float* const depthbase = state.targetdepth;
         const long stride = state.targetstride;
         const int viewx = state.viewport[0], clipx = state.rasterclip[0];
-        const int right = static_cast<int>(std::clamp(
-            std::min(static_cast<long long>(viewx) + state.viewport[2],
-                     static_cast<long long>(clipx) + state.rasterclip[2]),
-            static_cast<long long>(INT_MIN), static_cast<long long>(INT_MAX)));
+        const int right =
+            static_cast<int>(std::clamp(std::min(static_cast<long long>(viewx) + state.viewport[2],
+                                                 static_cast<long long>(clipx) + state.rasterclip[2]),
+                                        static_cast<long long>(INT_MIN), static_cast<long long>(INT_MAX)));
         const uint32_t* const texels = rules::textured ? s->texels[0] : nullptr;
         const uint32_t blendfactor = rules::blend ? s->blendfactor : 0;
 
@@ -214,16 +227,14 @@ struct spanframe {
                                           : rules::test ? reinterpret_cast<uintptr_t>(depthbase + offset)
                                                         : 0;
                 const int h = static_cast<int>((0 - (address >> 2)) & 3);  // pixels up to the next group
-                const int b = h ? 4 - h : 0;                                // lane of the first pixel
+                const int b = h ? 4 - h : 0;                               // lane of the first pixel
                 const int hc = std::min(h, n), m = (n - hc) >> 2, t = n - 4 * m - hc;
 
                 spangroup<M> g;
                 const float zl = _mm_cvtss_f32(_mm_shuffle_ps(edge, edge, 1));
                 const float dz = (_mm_cvtss_f32(_mm_shuffle_ps(edge, edge, 3)) - zl) * inv;
                 const float z0 = dz * skip + zl;
-                // The first group's z is rounded once from extended precision.
-                const float zfirst = static_cast<float>(static_cast<long double>(z0) -
-                                                        static_cast<long double>(b) * static_cast<long double>(dz));
+                const float zfirst = spanlanes::firstz(z0, dz, b);
                 g.z = _mm_add_ps(_mm_set1_ps(zfirst), _mm_mul_ps(_mm_setr_ps(0.0f, 1.0f, 2.0f, 3.0f), _mm_set1_ps(dz)));
                 g.zstep4 = _mm_mul_ps(_mm_set1_ps(4.0f), _mm_set1_ps(dz));
                 const __m128 invs = _mm_set1_ps(inv), skips = _mm_set1_ps(skip);
@@ -252,8 +263,9 @@ struct spanframe {
                     group<true>(g, pg, qg, _mm_set1_epi32(-1), texels, blendfactor);
                     g.advance();
                 }
-                if (t) group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), texels,
-                                    blendfactor);
+                if (t)
+                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), texels,
+                                 blendfactor);
             }
             edge = _mm_add_ps(edge, edgestep);
             if constexpr (rules::colour) modulate = _mm_add_epi16(modulate, modulatestep);

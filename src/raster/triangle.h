@@ -62,7 +62,7 @@ struct vertexcolours {
 template <trianglemember M>
 struct triangleframe {
     static constexpr spanmember span = spanof(M);
-        static constexpr bool colour = M.get<shading>() != shading::colourless;
+    static constexpr bool colour = M.get<shading>() != shading::colourless;
     static constexpr bool textured = M.get<shading>() == shading::textured;
     static constexpr bool add = M.get<addterm>() == addterm::yes;
     static constexpr bool fog = M.get<recipe>() == recipe::fogshade || M.get<recipe>() == recipe::fogonly;
@@ -72,8 +72,8 @@ struct triangleframe {
     [[gnu::always_inline]] static void vertexcolour(const rastertriangle* t, int i, __m128 z, __m128& modulate,
                                                     __m128& addcolour) {
         const __m128 one = _mm_set1_ps(1.0f);
-        modulate = _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(t->colour[i])),
-                                                      _mm_setzero_si128()));
+        modulate = _mm_cvtepi32_ps(
+            _mm_unpacklo_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(t->colour[i])), _mm_setzero_si128()));
         if constexpr (shade) {
             __m128 s = _mm_set1_ps(t->shadefactor[i]);
             modulate = _mm_mul_ps(_mm_sub_ps(one, s), modulate);
@@ -100,9 +100,12 @@ struct triangleframe {
         const float y0 = t->position[0][1], y1 = t->position[1][1], y2 = t->position[2][1];
         int order[3];
         if (y1 > y0) {
-            if (y2 > y1) order[0] = 0, order[1] = 1, order[2] = 2;
-            else if (y2 > y0) order[0] = 0, order[1] = 2, order[2] = 1;
-            else order[0] = 2, order[1] = 0, order[2] = 1;
+            if (y2 > y1)
+                order[0] = 0, order[1] = 1, order[2] = 2;
+            else if (y2 > y0)
+                order[0] = 0, order[1] = 2, order[2] = 1;
+            else
+                order[0] = 2, order[1] = 0, order[2] = 1;
         } else if (y2 > y0) {
             order[0] = 1, order[1] = 0, order[2] = 2;
         } else if (y2 > y1) {
@@ -118,7 +121,8 @@ struct triangleframe {
                   yb = _mm_cvtsi128_si32(_mm_srli_si128(rowsof, 8));
         // Heights of top-middle, top-bottom, middle-bottom, at least 0.000001 (bits 0x358637BD).
         __m128i heights = _mm_sub_epi32(_mm_setr_epi32(ym, yb, yb, 0), _mm_setr_epi32(yt, yt, ym, 0));
-        __m128 reciprocals = _mm_rcp_ps(_mm_max_ps(_mm_cvtepi32_ps(heights), _mm_castsi128_ps(_mm_set1_epi32(0x358637BD))));
+        __m128 reciprocals =
+            _mm_rcp_ps(_mm_max_ps(_mm_cvtepi32_ps(heights), _mm_castsi128_ps(_mm_set1_epi32(0x358637BD))));
         const __m128 reciprocal[3] = {spread<0>(reciprocals), spread<1>(reciprocals), spread<2>(reciprocals)};
         const __m128 tm = _mm_mul_ps(_mm_sub_ps(p[1], p[0]), reciprocal[0]);
         const __m128 tb = _mm_mul_ps(_mm_sub_ps(p[2], p[0]), reciprocal[1]);
@@ -206,8 +210,8 @@ struct triangleframe {
             __m128i* steps = reinterpret_cast<__m128i*>(step);
             __m128i* values = reinterpret_cast<__m128i*>(value);
             _mm_store_si128(steps, replace(c.mb, _mm_load_si128(steps)));
-            _mm_store_si128(values, replace(_mm_add_epi16(c.start[1], _mm_mullo_epi16(skiplanes2, c.mb)),
-                                            _mm_load_si128(values)));
+            _mm_store_si128(
+                values, replace(_mm_add_epi16(c.start[1], _mm_mullo_epi16(skiplanes2, c.mb)), _mm_load_si128(values)));
         };
         if constexpr (colour) replacelanes(s.modulatestep, s.modulate, modulates);
         if constexpr (add) replacelanes(s.addcolourstep, s.addcolour, adds);
