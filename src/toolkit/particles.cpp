@@ -2,26 +2,22 @@
 
 #include <emmintrin.h>
 
+#include "raster/raster.h"
 #include "toolkit/blend.h"
 #include "toolkit/disc.h"
 #include "toolkit/projection.h"
+#include "toolkit/texturestore.h"
 #include "util/arraypin.h"
 #include "util/truncate.h"
 #include "util/wrappingabs.h"
 
 namespace {
 
-// x, y and z times 32767, truncated and packed with saturation to 16 bits, against the screen
-// bounds all at once: right, bottom and far are the last positions inside, left and top are 0
-// whatever the viewport, and the depth must lie beyond near.
+// The screen test of a single point, on its x, y, z and z.
 bool insidescreen(__m128 screen) {
-    const __m128 xyzz = _mm_shuffle_ps(screen, screen, _MM_SHUFFLE(2, 2, 1, 0));
-    const __m128i v = _mm_cvttps_epi32(_mm_mul_ps(xyzz, _mm_setr_ps(1.0f, 1.0f, 32767.0f, 32767.0f)));
-    const __m128i p = _mm_packs_epi32(v, v);
-    const __m128i bounds = _mm_load_si128(reinterpret_cast<const __m128i*>(rasterstate.screenbounds));
-    const int beyond = _mm_movemask_epi8(_mm_cmpgt_epi16(p, bounds)) & 0xFF;
-    const int below = _mm_movemask_epi8(_mm_cmpgt_epi16(_mm_setzero_si128(), p)) & 0xFF;
-    return beyond == 0xC0 && below == 0;
+    alignas(16) float xyzz[4];
+    _mm_store_ps(xyzz, _mm_shuffle_ps(screen, screen, _MM_SHUFFLE(2, 2, 1, 0)));
+    return screenside(xyzz) == onscreen;
 }
 
 }  // namespace
@@ -44,14 +40,28 @@ bool placeparticle(const toolkit& t, const int* position, int size, particleplac
     return true;
 }
 
+// The forms by the target's buffers differ only in the span member of the squares: a target
+// without colour gets the depth-only member, and its discs draw nothing.
 void drawparticles(toolkit& t, const int* positions, const int* colours, const int* sizes, const int16_t* textures,
                    int count) {
-    if (!rasterstate.targetcolour && !rasterstate.targetdepth) return;
+    const bool colour = rasterstate.targetcolour, depth = rasterstate.targetdepth;
+    if (!colour && !depth) return;
     for (int i = 0; i < count; ++i) {
         particleplace at;
         if (!placeparticle(t, positions + 3 * i, sizes[i], at)) continue;
-        const auto colour = static_cast<uint32_t>(colours[i]);
-        if (textures[i] == -1) drawdisc(t, at.x, at.y, at.d >> 1, at.z, colour, blend);
+        const auto tint = static_cast<uint32_t>(colours[i]);
+        if (textures[i] == -1) {
+            drawdisc(t, at.x, at.y, at.d >> 1, at.z, tint, blend);
+            continue;
+        }
+        // The host may be asked to load it here.
+        const texturerecord* r = gettexture(textures[i]);
+        if (!r) continue;
+        const wrapmode wrap = r->flagfive || r->flagsix ? wrapmode::repeat : wrapmode::clamp;
+        const spanfunction span =
+            choosespan(recipe::plain, shading::textured, alphamodeof(r->value), wrap, blended::no, colour, depth);
+        const int half = at.d >> 1;
+        drawsquare(span, at.x - half, at.y - half, at.d + 1, at.z, tint, r->pixels);
     }
 }
 
