@@ -57,7 +57,8 @@ bool place(const modeldraw& d, int i) {
 // The fog over a billboard's colour, by its depth alone; the alpha is kept.
 uint32_t fogged(const toolkit& t, uint32_t colour, float z) {
     if (!(t.fogdistance > 0.0f) || !(z > rasterstate.fogstart)) return colour;
-    const uint32_t weight = static_cast<uint8_t>(truncate((z - rasterstate.fogstart) * 255.0f / (1.0f - rasterstate.fogstart)));
+    const float start = rasterstate.fogstart;
+    const uint32_t weight = static_cast<uint8_t>(truncate((z - start) * 255.0f / (1.0f - start)));
     const uint32_t fog = static_cast<uint32_t>(t.fogcolour);
     uint32_t out = colour & 0xFF000000u;
     for (int shift = 0; shift < 24; shift += 8)

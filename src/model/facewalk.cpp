@@ -85,7 +85,8 @@ void drawface(modeldraw& d, int f, pass p, rastertriangle& tri) {
     }
     const __m128 offset = _mm_setr_ps(r->offsetu[0], r->offsetv[0], r->offsetu[0], r->offsetv[0]);
     const texel uv[3] = {m.uva[f], m.uvb[f], m.uvc[f]};
-    for (int k = 0; k < 3; ++k) _mm_store_ps(tri.uv[k], _mm_add_ps(_mm_setr_ps(uv[k].u, uv[k].v, uv[k].u, uv[k].v), offset));
+    for (int k = 0; k < 3; ++k)
+        _mm_store_ps(tri.uv[k], _mm_add_ps(_mm_setr_ps(uv[k].u, uv[k].v, uv[k].u, uv[k].v), offset));
     tri.texels[0] = r->pixels;
     const alphamode mode = alphamodeof(r->value);
     // Seen now, the translucency takes effect from the next draw.

@@ -28,7 +28,9 @@ void retexture(model& m, uint16_t from, uint16_t to) {
 
 void tint(model& m, int hue, int saturation, int lightness, int amount) {
     requiremask(m, FM_TINT, "Can't tint if functionmask does not contain FM_TINT");
-    auto towards = [amount](int field, int target) { return target == -1 ? field : field + (((target - field) * amount) >> 7); };
+    auto towards = [amount](int field, int target) {
+        return target == -1 ? field : field + (((target - field) * amount) >> 7);
+    };
     for (int f = 0; f < m.fhsl.length(); ++f) {
         int code = m.fhsl[f];
         int h = towards(code >> 10 & 63, hue);

@@ -48,18 +48,21 @@ void screenextent(const model& m, const toolkit& t, __m128 low, __m128 high, __m
 
 template <modelmember M>
 void drawmember(modeldraw& d) {
-    drawfaces<M.template get<memberlight>() == memberlight::pointlit, M.template get<membershade>() == membershade::shade,
-              M.template get<membertarget>() == membertarget::depthonly>(d);
+    constexpr bool pointlit = M.template get<memberlight>() == memberlight::pointlit;
+    constexpr bool shade = M.template get<membershade>() == membershade::shade;
+    drawfaces<pointlit, shade, M.template get<membertarget>() == membertarget::depthonly>(d);
 }
 
 // The member for the current lights, fog, shade and target; `zfar` is the farther end of the
 // model's axis on the screen.
 modelmember choosemember(const model& m, const toolkit& t, float zfar) {
     membershade shade = t.fogoverride ? membershade::shade : membershade::none;
-    if (!rasterstate.targetcolour) return modelmember(membertarget::depthonly, memberlight::sun, shade, memberfog::none);
-    return modelmember(rasterstate.targetdepth ? membertarget::colourdepth : membertarget::colouronly,
-                       (m.modelflags & MF_POINTLIT) && t.lightcount > 0 ? memberlight::pointlit : memberlight::sun, shade,
-                       t.fogdistance > 0.0f && zfar > rasterstate.fogstart ? memberfog::fog : memberfog::none);
+    if (!rasterstate.targetcolour)
+        return modelmember(membertarget::depthonly, memberlight::sun, shade, memberfog::none);
+    const auto light = (m.modelflags & MF_POINTLIT) && t.lightcount > 0 ? memberlight::pointlit : memberlight::sun;
+    const auto fog = t.fogdistance > 0.0f && zfar > rasterstate.fogstart ? memberfog::fog : memberfog::none;
+    const auto target = rasterstate.targetdepth ? membertarget::colourdepth : membertarget::colouronly;
+    return modelmember(target, light, shade, fog);
 }
 
 constexpr auto membertable = dispatchtable<modelmembers>([]<auto M>() { return &drawmember<M>; });

@@ -39,7 +39,8 @@ mappingframe makeframe(int x, int y, int z, int rotation, const float scale[3]) 
     mappingframe f;
     for (int i = 0; i < 3; ++i) {
         float r[3];
-        for (int j = 0; j < 3; ++j) r[j] = (turn[i][0] * q[0][j] + turn[i][1] * q[1][j] + turn[i][2] * q[2][j]) * scale[i];
+        for (int j = 0; j < 3; ++j)
+            r[j] = (turn[i][0] * q[0][j] + turn[i][1] * q[1][j] + turn[i][2] * q[2][j]) * scale[i];
         f.row[i] = {r[0], r[1], r[2]};
     }
     return f;
@@ -161,7 +162,9 @@ private:
         float e1 = dot(frame.row[1], n) / (64.0f / static_cast<float>(map.scaley[i]));
         float e2 = dot(frame.row[2], n) / (64.0f / static_cast<float>(map.scalez[i]));
         float a0 = std::fabs(e0), a1 = std::fabs(e1), a2 = std::fabs(e2);
-        int side = a1 > a0 && a1 > a2 ? (e1 > 0.0f ? 0 : 1) : a2 > a0 && a2 > a1 ? (e2 > 0.0f ? 2 : 3) : (e0 > 0.0f ? 4 : 5);
+        int side = a1 > a0 && a1 > a2   ? (e1 > 0.0f ? 0 : 1)
+                   : a2 > a0 && a2 > a1 ? (e2 > 0.0f ? 2 : 3)
+                                        : (e0 > 0.0f ? 4 : 5);
         float k0 = static_cast<float>(map.shift0[i]) / 256.0f;
         float k1 = static_cast<float>(map.shift1[i]) / 256.0f;
         float k2 = static_cast<float>(map.shift2[i]) / 256.0f;

@@ -13,9 +13,9 @@ class ModelTest {
             h m = new h();
             m.U(null, pool, 5, 4, new int[] {-10, 10, 10, -10, 900}, new int[] {0, 0, 20, 20, 900},
                     new int[] {3, -4, 5, 6, 900}, null, null, 2, new short[] {0, 0}, new short[] {1, 2},
-                    new short[] {2, 3}, null, null, new byte[] {0, 100}, null, new short[] {0x1234, 0x4321}, null, null,
-                    (byte) 0, null, 0, null, null, null, null, null, null, null, null, null, null, null, null, null, 0, 0,
-                    0x4000, 0, 128, 768, null);
+                    new short[] {2, 3}, null, null, new byte[] {0, 100}, null, new short[] {0x1234, 0x4321}, null,
+                    null, (byte) 0, null, 0, null, null, null, null, null, null, null, null, null, null, null, null,
+                    null, 0, 0, 0x4000, 0, 128, 768, null);
             // The loose point is outside the bounds; the radii round up.
             int[] bounds = {m.RA(), m.ya(), m.YA(), m.o(), m.AA(), m.ha(), m.N(), m.n()};
             assertArrayEquals(new int[] {-10, 10, 0, 20, -4, 6, 12, 24}, bounds);

@@ -41,7 +41,8 @@ struct referencemapping {
         for (int i = 0; i < int(h.mappings.size()); ++i)
             if (uint8_t(h.mappings[i]) == m)
                 for (int v : {h.a[i], h.b[i], h.c[i]})
-                    for (int k = 0; k < 3; ++k) low[k] = std::min(low[k], vertex(v)[k]), high[k] = std::max(high[k], vertex(v)[k]);
+                    for (int k = 0; k < 3; ++k)
+                        low[k] = std::min(low[k], vertex(v)[k]), high[k] = std::max(high[k], vertex(v)[k]);
         float sx = float(h.scale[0][m]), sy = float(h.scale[1][m]), sz = float(h.scale[2][m]), s[3];
         switch (h.maptype[m]) {
         case 1: s[0] = sx < 0 ? -sx / 1024.0f : 1.0f, s[1] = 64.0f / sy, s[2] = sx > 0 ? sx / 1024.0f : 1.0f; break;
@@ -57,7 +58,8 @@ struct referencemapping {
         int t = h.rotation[m] * 16384 / 256 & 0x3FFF;
         float c = costable[t], si = sintable[t], y3[3][3] = {{c, 0, si}, {0, 1, 0}, {-si, 0, c}};
         for (int i = 0; i < 3; ++i)
-            for (int j = 0; j < 3; ++j) row[i][j] = (y3[i][0] * q[0][j] + y3[i][1] * q[1][j] + y3[i][2] * q[2][j]) * s[i];
+            for (int j = 0; j < 3; ++j)
+                row[i][j] = (y3[i][0] * q[0][j] + y3[i][1] * q[1][j] + y3[i][2] * q[2][j]) * s[i];
     }
 
     void corners(int m, const v3 p[3], float uv[3][2]) const {
@@ -69,10 +71,11 @@ struct referencemapping {
             float e[3] = {dot(row[0], n) / (64.0f / h.scale[0][m]), dot(row[1], n) / (64.0f / h.scale[1][m]),
                           dot(row[2], n) / (64.0f / h.scale[2][m])};
             float a0 = std::fabs(e[0]), a1 = std::fabs(e[1]), a2 = std::fabs(e[2]);
-            side = a1 > a0 && a1 > a2 ? (e[1] > 0 ? 0 : 1) : a2 > a0 && a2 > a1 ? (e[2] > 0 ? 2 : 3) : (e[0] > 0 ? 4 : 5);
+            side = a1 > a0 && a1 > a2 ? (e[1] > 0 ? 0 : 1) : a2 > a0 && a2 > a1 ? (e[2] > 0 ? 2 : 3) : 5 - (e[0] > 0);
         }
         v3 P{}, b{}, c{}, n{};
-        if (type == 0) P = vertex(h.map[0][m]), b = vertex(h.map[1][m]) - P, c = vertex(h.map[2][m]) - P, n = cross(b, c);
+        if (type == 0) P = vertex(h.map[0][m]), b = vertex(h.map[1][m]) - P, c = vertex(h.map[2][m]) - P;
+        n = cross(b, c);
         float rt = 1.0f / dot(cross(c, n), b), rw = 1.0f / dot(cross(b, n), c);
         for (int i = 0; i < 3; ++i) {
             v3 d = p[i] - centre, f = {dot(row[0], d), dot(row[1], d), dot(row[2], d)};
@@ -80,10 +83,12 @@ struct referencemapping {
             float s = h.scale[2][m] / 1024.0f;
             if (type == 0) u = dot(cross(c, n), p[i] - P) * rt, v = dot(cross(b, n), p[i] - P) * rw;
             if (type == 1) u = s != 1.0f ? around * s : around, v = f[1] + 0.5f + k[0];
-            if (type == 3) u = around, v = float(std::asin(double(f[1] / std::sqrt(dot(f, f))))) * 0.31830987f + 0.5f + k[0];
-            const float cube[6][2] = {{f[0] + k[0] + 0.5f, k[2] - f[2] + 0.5f}, {f[0] + k[0] + 0.5f, f[2] + k[2] + 0.5f},
-                                      {k[0] - f[0] + 0.5f, k[1] - f[1] + 0.5f}, {f[0] + k[0] + 0.5f, k[1] - f[1] + 0.5f},
-                                      {f[2] + k[2] + 0.5f, k[1] - f[1] + 0.5f}, {k[2] - f[2] + 0.5f, k[1] - f[1] + 0.5f}};
+            float up = float(std::asin(double(f[1] / std::sqrt(dot(f, f))))) * 0.31830987f;
+            if (type == 3) u = around, v = up + 0.5f + k[0];
+            const float cube[6][2] = {
+                {f[0] + k[0] + 0.5f, k[2] - f[2] + 0.5f}, {f[0] + k[0] + 0.5f, f[2] + k[2] + 0.5f},
+                {k[0] - f[0] + 0.5f, k[1] - f[1] + 0.5f}, {f[0] + k[0] + 0.5f, k[1] - f[1] + 0.5f},
+                {f[2] + k[2] + 0.5f, k[1] - f[1] + 0.5f}, {k[2] - f[2] + 0.5f, k[1] - f[1] + 0.5f}};
             if (type == 2) u = cube[side][0], v = cube[side][1];
             const float turned[4][2] = {{u, v}, {-v, u}, {-u, -v}, {v, -u}};
             uv[i][0] = type ? turned[dir][0] : u, uv[i][1] = type ? turned[dir][1] : v;
@@ -115,7 +120,8 @@ TEST_F(modelbuild, facesgroupsbillboardsandtexturecoordinatesfollowtherules) {
         ASSERT_EQ(m->texturedfacecount, textured);
         EXPECT_EQ(m->facetypes.empty(), h.types.empty());
         bool alphatexture = false;
-        for (int f : order) alphatexture |= !h.textures.empty() && h.textures[f] != -1 && descriptors[h.textures[f]].value == 2;
+        for (int f : order)
+            alphatexture |= !h.textures.empty() && h.textures[f] != -1 && descriptors[h.textures[f]].value == 2;
         EXPECT_EQ(m->hastranslucency != 0, !h.alphas.empty() || alphatexture);
 
         std::vector<referencemapping> maps;

@@ -23,7 +23,8 @@ inline uint32_t base(int hsl, const texturedescriptor* d, int ambient) {
     if (m) rgb = ((((rgb & 0xFF00FF) * (256 - m) + (g & 0xFF00FF) * m) & 0xFF00FF00u) +
                   (((rgb & 0xFF00) * (256 - m) + (g & 0xFF00) * m) & 0xFF0000u)) >> 8;
     uint32_t out = 0;
-    for (int s = 0; s < 24; s += 8) out |= (k ? std::min((rgb >> s & 0xFF) * (256 + k), 0xFFFFu) >> 8 : rgb >> s & 0xFF) << s;
+    for (int s = 0; s < 24; s += 8)
+        out |= (k ? std::min((rgb >> s & 0xFF) * (256 + k), 0xFFFFu) >> 8 : rgb >> s & 0xFF) << s;
     return out;
 }
 
@@ -43,7 +44,8 @@ inline uint32_t point(uint32_t colour, const float* p, const quad& n, const poin
     for (int k = 0; k < 4; ++k) acc[k] = float(colour >> (8 * k) & 0xFF), base[k] = acc[k] * 1.5259022e-5f;
     for (int l = 0; l < lights.count; ++l) {
         float dx = lights.position[l][0] - p[0], dy = lights.position[l][1] - p[1], dz = lights.position[l][2] - p[2];
-        float dist2 = dx * dx + dy * dy + dz * dz, facing = rasterreference::maxss(dx * n.x + dy * n.y + dz * n.z, 0.0f);
+        float dist2 = dx * dx + dy * dy + dz * dz;
+        float facing = rasterreference::maxss(dx * n.x + dy * n.y + dz * n.z, 0.0f);
         float falloff = rasterreference::rcp(dist2) * _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(dist2)));
         float k = facing * lights.radius[l] * falloff;
         for (int c = 0; c < 4; ++c) acc[c] = acc[c] + lights.colour[l][c] * base[c] * k;
@@ -68,7 +70,8 @@ inline void normals(const model& m, std::vector<quad>& normal, std::vector<quad>
         flat[f] = {n[0] * r, n[1] * r, n[2] * r, 1.0f};
         for (int k : {m.facea[f], m.faceb[f], m.facec[f]})
             if (m.facetypes.empty() || m.facetypes[f] == 0)
-                normal[k] = {normal[k].x + flat[f].x, normal[k].y + flat[f].y, normal[k].z + flat[f].z, normal[k].w + 1};
+                normal[k] = {normal[k].x + flat[f].x, normal[k].y + flat[f].y, normal[k].z + flat[f].z,
+                             normal[k].w + 1};
     }
     for (quad& n : normal)
         if (n.w != 0) n = {n.x * (1.0f / n.w), n.y * (1.0f / n.w), n.z * (1.0f / n.w), 1.0f};
@@ -86,7 +89,8 @@ inline bool draw(const model& m, const toolkit& t, const float* matrix, bool tra
     }
     for (const float* p : t.frustumplanes) {
         float d[2];
-        for (int e = 0; e < 2; ++e) d[e] = p[0] * ends[e][0] + p[1] * ends[e][1] + p[2] * ends[e][2] + p[3] * ends[e][3];
+        for (int e = 0; e < 2; ++e)
+            d[e] = p[0] * ends[e][0] + p[1] * ends[e][1] + p[2] * ends[e][2] + p[3] * ends[e][3];
         if (d[0] < -float(m.radius) && d[1] < -float(m.radius)) return false;
     }
     const bool colour = rasterstate.targetcolour, depth = rasterstate.targetdepth, shade = t.fogoverride;
@@ -107,7 +111,8 @@ inline bool draw(const model& m, const toolkit& t, const float* matrix, bool tra
     normals(m, normal, flat);
     std::vector<std::array<float, 4>> at(size_t(m.usedvertexcount));
     for (int i = 0; i < m.usedvertexcount; ++i) {
-        _mm_storeu_ps(at[i].data(), projectpoint(_mm_setr_ps(m.vertices[i].x, m.vertices[i].y, m.vertices[i].z, 1), mvp));
+        const quad& v = m.vertices[i];
+        _mm_storeu_ps(at[i].data(), projectpoint(_mm_setr_ps(v.x, v.y, v.z, 1), mvp));
         at[i][3] = at[i][2];
     }
     for (int pass = translucent ? 1 : 0; pass < (translucent ? 3 : 1); ++pass)
@@ -121,14 +126,16 @@ inline bool draw(const model& m, const toolkit& t, const float* matrix, bool tra
                 if (k < 3) std::copy(at[c[k]].begin(), at[c[k]].end(), tri.position[k]);
                 const quad& v = m.vertices[c[k % 3]];
                 float h = k < 3 ? -(v.x * matrix[1] + v.y * matrix[5] + v.z * matrix[9] + matrix[13]) : 1.0f;
-                tri.shadefactor[k] = rasterreference::minss(rasterreference::maxss((h - t.shadestartf) * t.shadescale, 0), 1);
+                float s = rasterreference::maxss((h - t.shadestartf) * t.shadescale, 0);
+                tri.shadefactor[k] = rasterreference::minss(s, 1);
                 tri.shadetint[k] = rasterstate.shadecolour[k];
                 drop = drop || (shade && colour && k < 3 && tri.shadefactor[k] == 1.0f);
             }
-            const texturerecord* r = f < m.texturedfacecount && (colour || pass) ? gettexture(m.facetextures[f]) : nullptr;
+            const bool looked = f < m.texturedfacecount && (colour || pass);
+            const texturerecord* r = looked ? gettexture(m.facetextures[f]) : nullptr;
             const bool alphatexture = r && r->value == 2, textured = colour && r && r->pixels;
-            if (drop || (pass == 1 && (alpha || alphatexture)) || (pass == 2 && (alpha == 255 || !(alphatexture || alpha))))
-                continue;
+            const bool translucentface = alphatexture || alpha;
+            if (drop || (pass == 1 && translucentface) || (pass == 2 && (alpha == 255 || !translucentface))) continue;
             const texturedescriptor* d = f < m.texturedfacecount ? getdescriptor(m.facetextures[f]) : nullptr;
             const uint32_t lit = uint32_t(255 - alpha) << 24 | base(m.fhsl[f], d, m.ambient);
             uint32_t w[3] = {lit, lit, lit};

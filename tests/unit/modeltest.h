@@ -51,7 +51,7 @@ struct randomhostmodel {
         fill(maptype, mappingcount, [&] { return pick(9) == 0 ? 5 : pick(4); });
         for (int m = 0; m < mappingcount; ++m)
             for (auto& d : map) d.push_back(int16_t(maptype[m] == 0 ? pick(vertices) : pick(65536) - 32768));
-        for (auto& k : scale) fill(k, mappingcount, [&] { return (pick(4096) + 1) * (pick(2) ? 1 : -1) * (pick(6) ? 1 : 0); });
+        for (auto& k : scale) fill(k, mappingcount, [&] { return (pick(4096) + 1) * (pick(2) ? 1 : -1) * !!pick(6); });
         for (auto& k : shift) fill(k, mappingcount, [&] { return pick(1024) - 512; });
         fill(rotation, mappingcount, [&] { return rng(); });
         fill(direction, mappingcount, [&] { return pick(4); });
