@@ -20,8 +20,6 @@ class ModelTest {
             int[] bounds = {m.RA(), m.ya(), m.YA(), m.o(), m.AA(), m.ha(), m.N(), m.n()};
             assertArrayEquals(new int[] {-10, 10, 0, 20, -4, 6, 12, 24}, bounds);
             assertTrue(m.i());
-            assertFalse(m.u());
-            assertNull(m.LA(new float[6]));
 
             IllegalArgumentException wider = assertThrows(IllegalArgumentException.class, () -> m.KA(0x4001));
             assertEquals("Can't re-enable previously disabled functions", wider.getMessage());
@@ -33,11 +31,9 @@ class ModelTest {
             m.KA(0);
             assertThrows(IllegalStateException.class, () -> m.X((short) 1, (short) 2));
             m.ma(null);
-            assertEquals(0, m.nativeid);
-            h blank = new h();
-            blank.ba(null);
-            assertEquals(0, blank.m());
-            blank.ma(null);
+            m.ba(null);
+            assertEquals(0, m.m());
+            m.ma(null);
             pool.ma(0);
         }
     }
