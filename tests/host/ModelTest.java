@@ -28,8 +28,6 @@ class ModelTest {
             assertEquals("Can't tint if functionmask does not contain FM_TINT", tint.getMessage());
             assertEquals("", assertThrows(IllegalStateException.class, () -> m.W((short) 1, (short) 2)).getMessage());
             m.X((short) 0x1234, (short) 0x1000);
-            m.KA(0);
-            assertThrows(IllegalStateException.class, () -> m.X((short) 1, (short) 2));
             m.ma(null);
             m.ba(null);
             assertEquals(0, m.m());

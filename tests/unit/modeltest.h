@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <xmmintrin.h>
 
-#include <bit>
 #include <cstring>
 #include <vector>
 
@@ -15,8 +14,6 @@
 #include "toolkit/tables.h"
 #include "toolkit/texturestore.h"
 #include "util/frame.h"
-
-inline uint32_t floatbits(float f) { return std::bit_cast<uint32_t>(f); }
 
 template <class T>
 hostarray<T> viewof(const std::vector<T>& v) {
@@ -39,7 +36,6 @@ struct randomhostmodel {
         const int vertices = 1 + pick(40), faces = pick(60), used = vertices - pick(std::min(vertices, 3));
         for (auto* axis : {&x, &y, &z}) fill(*axis, vertices, [&] { return pick(4001) - 2000; });
         maybe(vertexgroups, vertices, [&] { return pick(12) - 2; });
-        maybe(masks, vertices, [&] { return rng(); });
         for (auto* corner : {&a, &b, &c}) fill(*corner, faces, [&] { return pick(std::max(used, 1)); });
         maybe(types, faces, [&] { return pick(5) % 3; });
         maybe(alphas, faces, [&] { return pick(3) ? 0 : pick(4) ? rng() : 255; });
@@ -55,7 +51,6 @@ struct randomhostmodel {
         for (auto& k : shift) fill(k, mappingcount, [&] { return pick(1024) - 512; });
         fill(rotation, mappingcount, [&] { return rng(); });
         fill(direction, mappingcount, [&] { return pick(4); });
-        maybe(markers, pick(8), [&] { return pick(vertices); });
         const int billboards = faces ? pick(4) : 0;
         for (int i = 0; i < billboards; ++i)
             for (int v : {pick(faces), pick(300), pick(300), pick(texturecount), pick(6), pick(4), pick(3)})
@@ -69,16 +64,12 @@ struct randomhostmodel {
               viewof(shift[1]), viewof(shift[2])},
              viewof(markers), pick(3), pick(3), rng() & (pick(4) ? 0xFFFFF : 0xFFFFF & ~FM_KEEPCOLOURS),
              rng() & 0x7F, pick(4) ? 64 + pick(128) : 128, 256 + pick(1024), viewof(billboardints)};
-        if (masks.size() != size_t(faces)) s.facemasks = {};
     }
 };
 
 class modeltest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        buildtrigtables();
-        buildhsltorgb();
-    }
+    static void SetUpTestSuite() { buildtrigtables(), buildhsltorgb(); }
     void SetUp() override {
         _mm_setcsr(librarymxcsr);
         t.textures = store;
@@ -92,10 +83,7 @@ protected:
             if (id < loadedtextures) loadtexture(*store, id, d, pixels.data());
         }
     }
-    void TearDown() override {
-        _mm_setcsr(hostmxcsr);
-        destroytexturestore(store);
-    }
+    void TearDown() override { _mm_setcsr(hostmxcsr), destroytexturestore(store); }
 
     static constexpr int texturecount = 8, loadedtextures = 6;  // the host declines the others
     testrng rng{20261123};
