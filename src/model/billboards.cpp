@@ -84,7 +84,7 @@ void drawbillboards(modeldraw& d) {
         int h = truncate(static_cast<float>(s.screenheight) * s.scaley * 2.0f);
         const spriteimage image = {r->pixels, texturesize, texturesize, atlaspitch, 0, 0, 0, 0};
         drawscaledatdepth(t, image, s.screenx - w / 2, s.screeny - h / 2, s.screenz, w, h, b.tintmode,
-                          fogged(t, s.colour, s.screenz), b.blendmode);
+                          fogged(t, s.colour, s.screenz), b.blendmode, d.lanes);
         if (r->value == 2) m.hastranslucency = 1;
     }
 }

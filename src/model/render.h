@@ -10,6 +10,7 @@
 
 #include "model/lighting.h"
 #include "model/model.h"
+#include "pixel/lanewidth.h"
 #include "pixel/variants.h"
 #include "raster/raster.h"
 #include "toolkit/renderworkspace.h"
@@ -53,6 +54,7 @@ struct alignas(16) modeldraw {
     recipe steps;              // what the triangle level folds in: fog, shade, both or neither
     bool colour, depth;        // the target's buffers
     float smoothscale, flatscale;  // the sun's strength on smooth and flat faces
+    lanewidth lanes;               // of the billboards' sprite rows
     pointlights lights;
 };
 

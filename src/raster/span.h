@@ -182,6 +182,8 @@ struct spanframe {
         uint32_t* const colourbase = state.targetcolour;
         float* const depthbase = state.targetdepth;
         const long stride = state.targetstride;
+        // The right end of both rectangles, in 64 bits and then cut to an int, so that a viewport or
+        // clip at the limits of an int does not wrap.
         const int viewx = state.viewport[0], clipx = state.rasterclip[0];
         const int right =
             static_cast<int>(std::clamp(std::min(static_cast<long long>(viewx) + state.viewport[2],
@@ -205,7 +207,9 @@ struct spanframe {
         int y = s->y;
 
         for (int row = 0; row < s->rows; ++row, ++y) {
-            // Both ends by the current rounding; the right end is exclusive.
+            // Both ends by the current rounding; the right end is exclusive. The reciprocal is of the
+            // unclipped width, so that a clipped row's values are the whole row's at the same columns,
+            // reached from its left end by `skip` float steps.
             __m128i ends = _mm_cvtps_epi32(edge);
             int xl = _mm_cvtsi128_si32(ends), xr = _mm_cvtsi128_si32(_mm_unpackhi_epi64(ends, ends));
             const float inv = spanlanes::reciprocal(static_cast<float>(static_cast<int>(unsigned(xr) - unsigned(xl))));

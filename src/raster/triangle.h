@@ -130,6 +130,9 @@ struct triangleframe {
         // The upper half has top-bottom on the left when top-middle leans further right.
         const bool tbleft = _mm_comigt_ss(tm, tb);
 
+        // Rows run from the top vertex's row; those above the viewport or the clip are skipped, and
+        // every interpolant starts as many steps on. Rows are counted in 64 bits and bounded by the
+        // clip, so that no vertex, however far off, huge or undefined, walks rows outside it.
         const rasterstatedata& state = rasterstate;
         const long long viewy = state.viewport[1], clipy = state.rasterclip[1];
         const long long bottom = std::min(viewy + state.viewport[3], clipy + state.rasterclip[3]);
@@ -185,6 +188,9 @@ struct triangleframe {
         }
         if constexpr (M.get<blended>() == blended::yes) s.blendfactor = t->blendfactor;
 
+        // The upper half ends at the middle vertex's row and leaves the record at the first row it
+        // did not draw. If it lay wholly above the clip it drew nothing, and the lower half's new
+        // side starts as many steps on as the clipped rows overshoot the middle vertex.
         long long skip2 = 0, lower = static_cast<long long>(yb) - ym;
         if (rows > 0) {
             s.rows = static_cast<int>(rows);

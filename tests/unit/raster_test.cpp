@@ -83,47 +83,45 @@ TEST_F(raster, everymembermatchesthereference) {
         }
 }
 
-// The table of model faces, row by row: shading, alpha mode, blended, then each cell's depth work
-// in columns 1 to 5 (with depth: shade, fog only, plain; without: fog or shade, plain): w testwrite,
-// o testonly, n none, or 1 for the function of column 1, = for that of the column before.
-TEST_F(raster, selectionfollowsthetableofmembers) {
-    using enum recipe;
-    const recipe recipes[5][3] = {{fogshade, shadeonly, fogshade},
-                                  {fogonly, fogonly, fogonly},
-                                  {plain, plain, plain},
-                                  {fogshade, fogonly, shadeonly},
-                                  {plain, plain, plain}};
-    for (const char* row : {"ta-owwnn", "tk-w1wnn", "to-w1wnn", "tkbw1wnn", "tobw1wnn", "go-w==n=", "gobo==n="})
-        for (wrapmode w : {wrapmode::repeat, wrapmode::clamp})
-            for (int column = 0; column < 5; ++column)
-                for (recipe fold : recipes[column]) {
-                    const bool textured = row[0] == 't';
-                    const shading s = textured ? shading::textured : shading::gouraud;
-                    const alphamode a = alphamodeof(row[1] == 'a' ? 2 : row[1] == 'k');
-                    const blended b = row[2] == 'b' ? blended::yes : blended::no;
-                    const char cell = row[3 + column];
-                    const int other = cell == '1' ? 0 : column - 1;
-                    const spanfunction chosen = choosespan(fold, s, a, w, b, true, column < 3);
-                    if (cell == '1' || cell == '=') {
-                        EXPECT_EQ(chosen, choosespan(recipes[other][0], s, a, w, b, true, other < 3)) << row;
-                        continue;
-                    }
-                    const spanmember m(
-                        s, depthmode(std::string_view("won").find(cell)), a, textured ? w : wrapmode::repeat, b,
-                        textured && fold != plain ? addterm::yes : addterm::no, layers::single, shadowed::no);
-                    EXPECT_EQ(chosen, spanfor(m)) << m.name() << ", column " << column + 1;
-                    EXPECT_EQ(choosetriangle(fold, s, a, w, b, true, column < 3), trianglefor(withrecipe(fold, m)));
-                }
-    // An alpha-mode face is never blended; a target without colour has the depth-only member; the
-    // host's free triangle has its own three.
-    const auto any = [](blended b, bool colour, bool depth) {
-        return choosetriangle(fogshade, shading::textured, alphamode::alpha, wrapmode::clamp, b, colour, depth);
-    };
-    EXPECT_EQ(any(blended::yes, true, true), any(blended::no, true, true));
-    EXPECT_EQ(any(blended::yes, false, true), trianglefor(withrecipe(plain, colourlessspan(depthmode::testwrite))));
-    EXPECT_EQ(rawtriangle(true, true), trianglefor(withrecipe(plain, gouraudspan(depthmode::testonly, blended::no))));
-    EXPECT_EQ(rawtriangle(true, false), trianglefor(withrecipe(plain, gouraudspan(depthmode::none, blended::no))));
-    EXPECT_EQ(rawtriangle(false, true), trianglefor(withrecipe(plain, colourlessspan(depthmode::none))));
+// A particle's square covers exactly its part of the viewport and clip, in colour through a
+// textured member and in depth through the depth-only one.
+TEST_F(raster, squarecoversitsclippedpart) {
+    guarded<uint32_t> colour[2] = {guarded<uint32_t>(pixels), guarded<uint32_t>(pixels)}, texels(128 * 256);
+    guarded<float> depths[2] = {guarded<float>(pixels), guarded<float>(pixels)};
+    std::fill_n(texels.get(), 128 * 256, 0xFF808080u);
+    for (int c = 0; c < 2000; ++c) {
+        testrng rng(c);
+        scene(rng, colour, depths, texels.get());
+        std::fill_n(colour[0].get(), pixels, 0), std::fill_n(depths[0].get(), pixels, 1.0f);
+        rasterstate.targetcolour = colour[0].get(), rasterstate.targetdepth = depths[0].get();
+        const int x = int(rng() % 80) - 20, y = int(rng() % 70) - 20, side = 1 + int(rng() % 40);
+        for (bool rgb : {true, false})
+            drawsquare(
+                choosespan(recipe::plain, shading::textured, alphamode::key, wrapmode::repeat, blended::no, rgb, !rgb),
+                x, y, side, 0.5f, 0xFFFFFFFF, texels.get());
+        const int *v = rasterstate.viewport, *r = rasterstate.rasterclip;
+        for (int i = 0; i < pixels; ++i) {
+            const int px = i % width, py = i / width,
+                      in = std::min({px - x, py - y, px - v[0], py - v[1], px - r[0], py - r[1]}) >= 0 &&
+                           std::max({px - x - side, py - y - side, px - v[0] - v[2], py - v[1] - v[3], px - r[0] - r[2],
+                                     py - r[1] - r[3]}) < 0;
+            ASSERT_TRUE((colour[0][i] != 0) == in && depths[0][i] == (in ? 0.5f : 1.0f))
+                << c << ": " << px << ", " << py;
+        }
+    }
+}
+
+// The choice of a face's functions follows the rule of the member table, and the host's free
+// triangle has its own three.
+TEST_F(raster, choicefollowsthemembertable) {
+    everyface([](const faceselection& f) {
+        EXPECT_EQ(choosetriangle(f.fold, f.kind, f.alpha, f.wrap, f.blend, f.colour, f.depth),
+                  trianglefor(modeltriangle(f)));
+        EXPECT_EQ(choosespan(f.fold, f.kind, f.alpha, f.wrap, f.blend, f.colour, f.depth), spanfor(modelspan(f)));
+    });
+    EXPECT_EQ(rawtriangle(true, true),
+              trianglefor(withrecipe(recipe::plain, gouraudspan(depthmode::testonly, blended::no))));
+    EXPECT_EQ(rawtriangle(false, true), trianglefor(withrecipe(recipe::plain, colourlessspan(depthmode::none))));
     EXPECT_EQ(rawtriangle(false, false), nullptr);
 }
 

@@ -43,18 +43,17 @@ inline void spanrow(const spanmember& m, const rasterspan& s, int y) {
     const shading kind = m.get<shading>();
     const bool test = m.get<depthmode>() != depthmode::none, zwrite = m.get<depthmode>() == depthmode::testwrite;
     const bool add = m.get<addterm>() == addterm::yes, blend = m.get<blended>() == blended::yes;
+    const int vx = r.viewport[0], cx = r.rasterclip[0];
     int xl = round(s.edge[0]), xr = round(s.edge[2]);
     const float inv = rcp(static_cast<float>(static_cast<int>(unsigned(xr) - unsigned(xl))));
-    xr = static_cast<int>(std::min({static_cast<long long>(xr), static_cast<long long>(r.viewport[0]) + r.viewport[2],
-                                    static_cast<long long>(r.rasterclip[0]) + r.rasterclip[2]}));
+    xr = static_cast<int>(std::min({static_cast<long long>(xr), vx + 0LL + r.viewport[2], cx + 0LL + r.rasterclip[2]}));
     float skip = 0.0f;
-    if (xl < r.viewport[0]) skip = static_cast<float>(r.viewport[0]) - static_cast<float>(xl), xl = r.viewport[0];
-    if (xl < r.rasterclip[0])
-        skip += static_cast<float>(r.rasterclip[0]) - static_cast<float>(xl), xl = r.rasterclip[0];
+    if (xl < vx) skip = static_cast<float>(vx) - static_cast<float>(xl), xl = vx;
+    if (xl < cx) skip += static_cast<float>(cx) - static_cast<float>(xl), xl = cx;
     if (static_cast<long long>(xr) - xl <= 0) return;
     const long first = static_cast<long>(y) * r.targetstride + xl, end = first + (xr - xl);
-    const uintptr_t address = kind != shading::colourless ? reinterpret_cast<uintptr_t>(r.targetcolour + first)
-                              : test                      ? reinterpret_cast<uintptr_t>(r.targetdepth + first)
+    const uintptr_t address = kind != shading::colourless ? uintptr_t(r.targetcolour + first)
+                              : test                      ? uintptr_t(r.targetdepth + first)
                                                           : 0;
     const int h = static_cast<int>((address + 12) / 16 * 16 - address) / 4, b = h ? 4 - h : 0;
 

@@ -130,25 +130,25 @@ fuzzcase makecase(uint64_t seed, const std::vector<std::unique_ptr<testtarget>>&
     return c;
 }
 
-void run(const fuzzcase& c, toolkit& t, const spriteimage& image, const spanmask& mask) {
+void run(const fuzzcase& c, toolkit& t, const spriteimage& image, const spanmask& mask, lanewidth lanes) {
     switch (c.call) {
-        case masked: drawthroughmask(t, image, c.x, c.y, mask, c.maskx, c.masky); break;
-        case single: drawsprite(t, image, c.x, c.y, c.tint, c.colour, c.blend); break;
-        case tiled: tilesprite(t, image, c.x, c.y, c.w, c.h, c.tint, c.colour, c.blend); break;
-        case scaled: drawscaled(t, image, c.x, c.y, c.w, c.h, c.tint, c.colour, c.blend); break;
-        default: drawscaledatdepth(t, image, c.x, c.y, c.z, c.w, c.h, c.tint, c.colour, c.blend); break;
+        case masked: drawthroughmask(t, image, c.x, c.y, mask, c.maskx, c.masky, lanes); break;
+        case single: drawsprite(t, image, c.x, c.y, c.tint, c.colour, c.blend, lanes); break;
+        case tiled: tilesprite(t, image, c.x, c.y, c.w, c.h, c.tint, c.colour, c.blend, lanes); break;
+        case scaled: drawscaled(t, image, c.x, c.y, c.w, c.h, c.tint, c.colour, c.blend, lanes); break;
+        default: drawscaledatdepth(t, image, c.x, c.y, c.z, c.w, c.h, c.tint, c.colour, c.blend, lanes); break;
     }
 }
 
 // The tiling as first described: every repeat in turn under the narrowed clip rectangle.
-void naivetiles(const fuzzcase& c, toolkit& t, const spriteimage& image) {
+void naivetiles(const fuzzcase& c, toolkit& t, const spriteimage& image, lanewidth lanes) {
     int saved[4] = {t.cliprect[0], t.cliprect[1], t.cliprect[2], t.cliprect[3]};
     narrowcliprect(t, c.x, c.y, c.x + c.w, c.y + c.h);
     int fw = image.fullwidth(), fh = image.fullheight();
     int cols = (c.w + fw - 1) / fw, lines = (c.h + fh - 1) / fh;
     for (int line = 0; line < lines; ++line)
         for (int col = 0; col < cols; ++col)
-            drawsprite(t, image, c.x + col * fw, c.y + line * fh, c.tint, c.colour, c.blend);
+            drawsprite(t, image, c.x + col * fw, c.y + line * fh, c.tint, c.colour, c.blend, lanes);
     clampcliprect(t, saved[0], saved[1], saved[2], saved[3]);
 }
 
@@ -169,12 +169,12 @@ TEST(spritefuzz, drawsstayinsidetheclipandreadonlytheimage) {
     const char* only = getenv("WEXEL_FUZZ_CASE");
     int first = only ? atoi(only) : 0, last = only ? first + 1 : casecount;
     int tilescompared = 0, drawn = 0;
-    auto tables = spritereference::rowtablesavailable();
+    auto widths = runnablewidths();
     testmask m;
     for (int index = first; index < last; ++index) {
         fuzzcase c = makecase(0x5EED0000u + index, targets, images);
         if (only) printf("case %d: %s\n", index, c.describe().c_str());
-        spritereference::drawingwith rows(tables[index % tables.size()]);
+        lanewidth lanes = widths[index % widths.size()];
         if (c.call == masked) {
             // Spans around the mask's corner, its tables sometimes short of its height.
             testrng rng(index);
@@ -195,7 +195,7 @@ TEST(spritefuzz, drawsstayinsidetheclipandreadonlytheimage) {
         std::vector<float> depthbefore(g.depth.get(), g.depth.get() + g.pixels());
 
         source.fillgaps(0x00000000);
-        run(c, t, image, m.mask);
+        run(c, t, image, m.mask, lanes);
         std::vector<uint32_t> after(g.colour.get(), g.colour.get() + g.pixels());
         ASSERT_TRUE(g.colour.intact() && g.depth.intact()) << "case " << index;
         ASSERT_TRUE(std::equal(depthbefore.begin(), depthbefore.end(), g.depth.get())) << "case " << index;
@@ -211,7 +211,7 @@ TEST(spritefuzz, drawsstayinsidetheclipandreadonlytheimage) {
         // The same call with other values between the image's rows gives the same pixels.
         std::copy(before.begin(), before.end(), g.colour.get());
         source.fillgaps(0xFFFFFFFF);
-        run(c, t, image, m.mask);
+        run(c, t, image, m.mask, lanes);
         ASSERT_TRUE(std::equal(after.begin(), after.end(), g.colour.get())) << "case " << index << " read between rows";
 
         // Tiles with few repeats at ordinary positions against every repeat drawn in turn.
@@ -219,7 +219,7 @@ TEST(spritefuzz, drawsstayinsidetheclipandreadonlytheimage) {
         if (c.call == tiled && fw > 0 && fh > 0 && std::abs(c.x) < 1000 && std::abs(c.y) < 1000 && c.w >= 0 &&
             c.h >= 0 && c.w < 1000 && c.h < 1000) {
             std::copy(before.begin(), before.end(), g.colour.get());
-            naivetiles(c, t, image);
+            naivetiles(c, t, image, lanes);
             ASSERT_TRUE(std::equal(after.begin(), after.end(), g.colour.get())) << "case " << index << " tiles differ";
             ++tilescompared;
         }

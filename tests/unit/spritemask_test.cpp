@@ -12,9 +12,9 @@ namespace {
 
 TEST(spritemask, matchesspansclippedbythemaskrectangle) {
     testrng rng(21);
-    auto tables = spritereference::rowtablesavailable();
+    auto widths = runnablewidths();
     for (int round = 0; round < 2000; ++round) {
-        spritereference::drawingwith rows(tables[round % tables.size()]);
+        lanewidth lanes = widths[round % widths.size()];
         testtarget g(30, 20);
         fillrandom(g, rng);
         setcliprect(g.t, int(rng() % 8), int(rng() % 6), 30 - int(rng() % 8), 20 - int(rng() % 6));
@@ -44,7 +44,7 @@ TEST(spritemask, matchesspansclippedbythemaskrectangle) {
                 d = spritereference::pixel(1, 1, group, pixels[row * width + px - x - image.padleft], 0, d);
             }
         }
-        drawthroughmask(g.t, image, x, y, m.mask, maskx, masky);
+        drawthroughmask(g.t, image, x, y, m.mask, maskx, masky, lanes);
         ASSERT_EQ(firstdifference(g, expect), -1) << "round " << round;
         ASSERT_TRUE(g.colour.intact());
     }
