@@ -446,19 +446,15 @@ struct clientscene {
         const int w = g.t.width, h = g.t.height;
         fillrandom(g, c);
         for (int i = 0; i < g.pixels(); ++i) g.depth[i] = std::array{-1.0f, 0.0f, 0.5f, 1.0f, NAN}[c.below(5)];
+        colours.assign(g.colour.get(), g.colour.get() + g.pixels());
+        depths.assign(g.depth.get(), g.depth.get() + g.pixels());
         randomclip(g.t, c);
-        if (c.onein(4)) g.t.colourbuffer = nullptr;
-        if (c.onein(2)) g.t.depthbuffer = nullptr;
-        rasterstate.targetcolour = g.t.colourbuffer, rasterstate.targetdepth = g.t.depthbuffer;
+        rasterstate.targetcolour = g.t.colourbuffer = c.onein(4) ? nullptr : g.colour.get();
+        rasterstate.targetdepth = g.t.depthbuffer = c.onein(2) ? nullptr : g.depth.get();
         rasterstate.targetstride = w;
         if (c.onein(2)) setviewport(0, 0, w, h, c.real(-0.5f, 0.5f), c.real(0.5f, 1.5f));
         else setviewport(c.between(-w, 2 * w), c.between(-h, 2 * h), c.between(-w, 3 * w), c.between(-h, 3 * h),
                          c.real(-0.5f, 0.5f), c.real(0.5f, 1.5f));
-        colours.assign(g.colour.get(), g.colour.get() + g.pixels());
-        depths.assign(g.depth.get(), g.depth.get() + g.pixels());
-        const int* v = rasterstate.viewport;
-        c.note(w, h, g.t.colourbuffer ? "colour" : "", g.t.depthbuffer ? "depth" : "", "viewport", v[0], v[1], v[2],
-               v[3]);
     }
     ~clientscene() { rasterstate = saved, _mm_setcsr(mxcsr); }
 
@@ -478,21 +474,24 @@ struct clientscene {
     }
 };
 
-// Particles anywhere and of any size, through a camera that mostly keeps them round the target,
-// as discs and as squares of textures the host loads (their alpha and wrap modes from the id) or
-// declines.
+// Particles anywhere and of any size through a camera that mostly keeps them round the target, as
+// discs and as squares of textures that the host loads with the alpha and wrap modes of their id,
+// or declines.
 bool particles(fuzzcase& c) {
     static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(256),
                                                                               destroytexturestore);
+    static const std::vector<uint32_t> texels = [] {
+        testrng r(1);
+        std::vector<uint32_t> v(128 * 128);
+        for (uint32_t& p : v) p = r.pixel();
+        return v;
+    }();
     clientscene s(c);
     s.host.t.textures = store.get();
     s.host.load = [](int id) {
         texturedescriptor d{};
         d.value = id % 3, d.flagfive = id & 4;
-        testrng texels(id);
-        std::vector<uint32_t> pixels(128 * 128);
-        for (uint32_t& p : pixels) p = texels.pixel();
-        if (id < 200) loadtexture(*store, id, d, pixels.data());
+        if (id < 200) loadtexture(*store, id, d, texels.data());
         return id < 200;
     };
     toolkit& t = s.g.t;
@@ -517,17 +516,17 @@ bool particles(fuzzcase& c) {
 bool thicklines(fuzzcase& c) {
     clientscene s(c);
     const int w = s.g.t.width, h = s.g.t.height;
+    const uint32_t colours[3] = {c.pixel(), c.pixel(), c.pixel()};
     if (c.onein(3)) {
         float xy[6];
-        for (int k = 0; k < 6; ++k) xy[k] = c.onein(16) ? c.real(-1e9f, 1e9f) : c.real(-w, 2 * w) * (k % 2 ? h : w) / w;
-        const uint32_t corners[3] = {c.pixel(), c.pixel(), c.pixel()};
+        for (int k = 0; k < 6; ++k) xy[k] = c.onein(16) ? c.real(-1e9f, 1e9f) : c.real(-1, 2) * (k % 2 ? h : w);
         c.note("triangle", xy[0], xy[1], xy[2], xy[3], xy[4], xy[5]);
-        drawfreetriangle(xy, corners);
+        drawfreetriangle(xy, colours);
     } else {
         const int x1 = c.coordinate(w), y1 = c.coordinate(h), x2 = c.coordinate(w), y2 = c.coordinate(h);
         const int width = c.onein(8) ? c.coordinate(1 << 16) : c.between(-40, 40);
         c.note("thick line", x1, y1, x2, y2, "width", width);
-        drawthickline(s.g.t, x1, y1, x2, y2, c.pixel(), width);
+        drawthickline(s.g.t, x1, y1, x2, y2, colours[0], width);
     }
     return s.check(false);
 }
