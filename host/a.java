@@ -17,6 +17,8 @@ public class a {
     // unit, texture ids -1 for a plain disc.
     public native void b(long peer, int unused, int[] positions, int[] colours, int[] sizes, short[] textures,
                          int count);
+    // A model under its 16-float matrix; `result`, if given, gets the model's screen extent.
+    public native void wa(long peer, long model, float[] matrix, int[] result, int unused);
     // A Gouraud triangle with corners in pixels, and a line of the given width in pixels.
     public native void ra(long peer, float x0, float y0, float x1, float y1, float x2, float y2, int colour0,
                           int colour1, int colour2);
