@@ -6,7 +6,6 @@
 #include <emmintrin.h>
 
 #include <algorithm>
-#include <climits>
 #include <cmath>
 #include <cstdint>
 
@@ -182,13 +181,10 @@ struct spanframe {
         uint32_t* const colourbase = state.targetcolour;
         float* const depthbase = state.targetdepth;
         const long stride = state.targetstride;
-        // The right end of both rectangles, in 64 bits and then cut to an int, so that a viewport or
-        // clip at the limits of an int does not wrap.
+        // The right end of both rectangles, summed in 32 bits as the clip's width was taken: a
+        // clip whose width wrapped then ends at its own right side, never past the target.
         const int viewx = state.viewport[0], clipx = state.rasterclip[0];
-        const int right =
-            static_cast<int>(std::clamp(std::min(static_cast<long long>(viewx) + state.viewport[2],
-                                                 static_cast<long long>(clipx) + state.rasterclip[2]),
-                                        static_cast<long long>(INT_MIN), static_cast<long long>(INT_MAX)));
+        const int right = std::min(viewx + state.viewport[2], clipx + state.rasterclip[2]);
         const uint32_t* const texels = rules::textured ? s->texels[0] : nullptr;
         const uint32_t blendfactor = rules::blend ? s->blendfactor : 0;
 

@@ -7,8 +7,9 @@
 void drawsquare(spanfunction span, int x, int y, int side, float z, uint32_t colour, const uint32_t* texels) {
     const rasterstatedata& state = rasterstate;
     const long long viewy = state.viewport[1], clipy = state.rasterclip[1];
-    const long long bottom =
-        std::min({viewy + state.viewport[3], clipy + state.rasterclip[3], static_cast<long long>(y) + side});
+    // The bottom ends of both rectangles are summed in 32 bits, as the clip's height was taken.
+    const int ends = std::min(state.viewport[1] + state.viewport[3], state.rasterclip[1] + state.rasterclip[3]);
+    const long long bottom = std::min(static_cast<long long>(ends), static_cast<long long>(y) + side);
     long long top = y, skip = 0;
     if (top < viewy) skip = viewy - top, top = viewy;
     if (top < clipy) skip += clipy - top, top = clipy;

@@ -132,10 +132,12 @@ struct triangleframe {
 
         // Rows run from the top vertex's row; those above the viewport or the clip are skipped, and
         // every interpolant starts as many steps on. Rows are counted in 64 bits and bounded by the
-        // clip, so that no vertex, however far off, huge or undefined, walks rows outside it.
+        // clip, so that no vertex, however far off, huge or undefined, walks rows outside it; the
+        // bottom ends are summed in 32 bits, as the clip's height was taken.
         const rasterstatedata& state = rasterstate;
         const long long viewy = state.viewport[1], clipy = state.rasterclip[1];
-        const long long bottom = std::min(viewy + state.viewport[3], clipy + state.rasterclip[3]);
+        const long long bottom =
+            std::min(state.viewport[1] + state.viewport[3], state.rasterclip[1] + state.rasterclip[3]);
         long long y = yt, skip = 0;
         if (y < viewy) skip = viewy - y, y = viewy;
         if (y < clipy) skip += clipy - y, y = clipy;

@@ -6,9 +6,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <climits>
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <iterator>
+#include <memory>
 #include <vector>
 
 #include "fontreference.h"
@@ -19,12 +23,18 @@
 #include "sprite/drawturned.h"
 #include "spritereference.h"
 #include "target.h"
+#include "testhost.h"
 #include "testmask.h"
 #include "toolkit/disc.h"
 #include "toolkit/fill.h"
+#include "toolkit/freetriangle.h"
 #include "toolkit/line.h"
 #include "toolkit/maskfill.h"
+#include "toolkit/particles.h"
+#include "toolkit/texturestore.h"
+#include "toolkit/thickline.h"
 #include "turnedreference.h"
+#include "util/frame.h"
 
 namespace {
 
@@ -419,11 +429,115 @@ bool fonts(fuzzcase& c) {
     return firstdifference(s.target, before) >= 0;
 }
 
+// A render client's draws on targets with and without colour and depth, under a viewport anywhere
+// around the target: nothing changes outside the clip rectangle or the buffers, only particle
+// squares change depths, and free triangles and thick lines draw only where 0 is not above the
+// stored depth.
+struct clientscene {
+    testtarget g;
+    testhost host;
+    rasterstatedata saved = rasterstate;
+    unsigned mxcsr = _mm_getcsr();
+    std::vector<uint32_t> colours;
+    std::vector<float> depths;
+
+    explicit clientscene(fuzzcase& c) : g(c.width(), 1 + c.below(21), true) {
+        _mm_setcsr(librarymxcsr);
+        const int w = g.t.width, h = g.t.height;
+        fillrandom(g, c);
+        for (int i = 0; i < g.pixels(); ++i) g.depth[i] = std::array{-1.0f, 0.0f, 0.5f, 1.0f, NAN}[c.below(5)];
+        colours.assign(g.colour.get(), g.colour.get() + g.pixels());
+        depths.assign(g.depth.get(), g.depth.get() + g.pixels());
+        randomclip(g.t, c);
+        rasterstate.targetcolour = g.t.colourbuffer = c.onein(4) ? nullptr : g.colour.get();
+        rasterstate.targetdepth = g.t.depthbuffer = c.onein(2) ? nullptr : g.depth.get();
+        rasterstate.targetstride = w;
+        if (c.onein(2)) setviewport(0, 0, w, h, c.real(-0.5f, 0.5f), c.real(0.5f, 1.5f));
+        else setviewport(c.between(-w, 2 * w), c.between(-h, 2 * h), c.between(-w, 3 * w), c.between(-h, 3 * h),
+                         c.real(-0.5f, 0.5f), c.real(0.5f, 1.5f));
+    }
+    ~clientscene() { rasterstate = saved, _mm_setcsr(mxcsr); }
+
+    // Whether the target changed, after checking each pixel against what the draw may do there.
+    bool check(bool squares) {
+        EXPECT_TRUE(g.colour.intact() && g.depth.intact()) << "wrote outside the target";
+        bool changed = false;
+        for (int i = 0; i < g.pixels() && !::testing::Test::HasFailure(); ++i) {
+            const bool colour = g.colour[i] != colours[i], depth = memcmp(&g.depth[i], &depths[i], 4) != 0;
+            const bool drawable = g.insideclip(i % g.t.width, i / g.t.width) &&
+                                  (squares || !g.t.depthbuffer || 0.0f <= depths[i]);
+            EXPECT_TRUE((!colour || drawable) && (!depth || (drawable && squares)))
+                << (colour ? "colour" : "depth") << " changed at " << i % g.t.width << "," << i / g.t.width;
+            changed |= colour || depth;
+        }
+        return changed;
+    }
+};
+
+// Particles anywhere and of any size through a camera that mostly keeps them round the target, as
+// discs and as squares of textures that the host loads with the alpha and wrap modes of their id,
+// or declines.
+bool particles(fuzzcase& c) {
+    static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(256),
+                                                                              destroytexturestore);
+    static const std::vector<uint32_t> texels = [] {
+        testrng r(1);
+        std::vector<uint32_t> v(128 * 128);
+        for (uint32_t& p : v) p = r.pixel();
+        return v;
+    }();
+    clientscene s(c);
+    s.host.t.textures = store.get();
+    s.host.load = [](int id) {
+        texturedescriptor d{};
+        d.value = id % 3, d.flagfive = id & 4;
+        if (id < 200) loadtexture(*store, id, d, texels.data());
+        return id < 200;
+    };
+    toolkit& t = s.g.t;
+    for (int i = 0; i < 16; ++i) t.viewprojection[i] = c.onein(8) ? c.real(-2, 2) : i % 5 ? 0.0f : c.real(-0.2f, 0.2f);
+    for (int i : {0, 4, 8}) t.viewmatrix[i] = c.real(-2, 2);
+    t.viewprojection[15] = 1.0f;
+    const int n = 1 + c.below(24);
+    std::vector<int> positions(3 * n), colours(n), sizes(n);
+    std::vector<int16_t> textures(n);
+    for (int i = 0; i < n; ++i) {
+        for (int k = 0; k < 3; ++k)
+            positions[3 * i + k] = c.onein(8) ? c.between(INT_MIN, INT_MAX) : c.between(-8, 8) << 12;
+        colours[i] = static_cast<int>(c.pixel());
+        sizes[i] = c.onein(8) ? c.coordinate(1 << 20) : c.between(0, 2048 * 40);
+        textures[i] = static_cast<int16_t>(c.below(3) ? -1 : c.below(250));
+    }
+    drawparticles(t, positions.data(), colours.data(), sizes.data(), textures.data(), n);
+    return s.check(true);
+}
+
+// Thick lines of any ends and width, and free Gouraud triangles of any corners.
+bool thicklines(fuzzcase& c) {
+    clientscene s(c);
+    const int w = s.g.t.width, h = s.g.t.height;
+    const uint32_t colours[3] = {c.pixel(), c.pixel(), c.pixel()};
+    if (c.onein(3)) {
+        float xy[6];
+        for (int k = 0; k < 6; ++k) xy[k] = c.onein(16) ? c.real(-1e9f, 1e9f) : c.real(-1, 2) * (k % 2 ? h : w);
+        c.note("triangle", xy[0], xy[1], xy[2], xy[3], xy[4], xy[5]);
+        drawfreetriangle(xy, colours);
+    } else {
+        const int x1 = c.coordinate(w), y1 = c.coordinate(h), x2 = c.coordinate(w), y2 = c.coordinate(h);
+        const int width = c.onein(8) ? c.coordinate(1 << 16) : c.between(-40, 40);
+        c.note("thick line", x1, y1, x2, y2, "width", width);
+        drawthickline(s.g.t, x1, y1, x2, y2, colours[0], width);
+    }
+    return s.check(false);
+}
+
 const fuzzfamily families[] = {
     {"shapes", 100000, shapes},
     {"sprites", 60000, sprites},
     {"turned", 8000, turned},
     {"fonts", 1500, fonts},
+    {"particles", 10000, particles},
+    {"thicklines", 20000, thicklines},
 };
 
 class fuzz : public ::testing::TestWithParam<fuzzfamily> {};
