@@ -3,7 +3,7 @@ BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
 
-.PHONY: deps build test test-asan bench demo clean
+.PHONY: deps build test test-asan test-size bench demo clean
 
 deps:
 	@scripts/install-deps.sh
@@ -19,6 +19,11 @@ test-asan: deps
 	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DWEXEL_SANITIZE=ON
 	cmake --build $(ASAN_BUILD) -j $(JOBS) --target unit_tests
 	cd $(ASAN_BUILD) && ctest --output-on-failure -L unit
+
+# Test lines against code lines per subsystem and in total; how test files are attributed is
+# written at the top of the script.
+test-size:
+	@scripts/test-size.sh
 
 bench: build
 	$(BUILD)/bench/wexel_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true

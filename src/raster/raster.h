@@ -112,21 +112,24 @@ inline void setcolourlanes(uint16_t* lanes, uint32_t pixel) {
                                         _mm_unpacklo_epi8(_mm_setzero_si128(), bytes)));
 }
 
-// Whether a face goes on to be drawn, from its three projected vertices (x, y, z, z each): all
-// three lie beyond the near depth, not all beyond one side of the screen (the left and top sides
-// are at 0 whatever the viewport), and they run counter-clockwise with y down.
-inline bool accepttriangle(const float* a, const float* b, const float* c) {
+// Where a projected point (x, y, z, z) lies against the screen: x, y and z times 32767,
+// truncated and packed with saturation to 16 bits, compared at once with `screenbounds`. The byte
+// mask of the eight compares: above right, bottom, far and near, then 0 above x, y, z and z. A
+// point on the screen and beyond near gives `onscreen`; the left and top sides are at 0 whatever
+// the viewport.
+inline constexpr int onscreen = 0x00C0;
+inline int screenside(const float* p) {
     const __m128 scale = _mm_setr_ps(1.0f, 1.0f, 32767.0f, 32767.0f);
     const __m128i bounds = _mm_load_si128(reinterpret_cast<const __m128i*>(rasterstate.screenbounds));
-    // Per vertex: x, y, z, z above right, bottom, far, near; then 0 above x, y, z, z.
-    __m128i all = _mm_set1_epi32(-1);
-    for (const float* p : {a, b, c}) {
-        __m128i v = _mm_cvttps_epi32(_mm_mul_ps(_mm_loadu_ps(p), scale));
-        v = _mm_packs_epi32(v, v);
-        __m128i beyond = _mm_unpacklo_epi64(_mm_cmpgt_epi16(v, bounds), _mm_cmpgt_epi16(_mm_setzero_si128(), v));
-        all = _mm_and_si128(all, beyond);
-    }
-    if (_mm_movemask_epi8(all) != 0x00C0) return false;
+    __m128i v = _mm_cvttps_epi32(_mm_mul_ps(_mm_loadu_ps(p), scale));
+    v = _mm_packs_epi32(v, v);
+    return _mm_movemask_epi8(_mm_unpacklo_epi64(_mm_cmpgt_epi16(v, bounds), _mm_cmpgt_epi16(_mm_setzero_si128(), v)));
+}
+
+// Whether a face goes on to be drawn, from its three projected vertices: all three lie beyond the
+// near depth, not all beyond one side of the screen, and they run counter-clockwise with y down.
+inline bool accepttriangle(const float* a, const float* b, const float* c) {
+    if ((screenside(a) & screenside(b) & screenside(c)) != onscreen) return false;
     float e1 = (a[0] - b[0]) * (c[1] - b[1]), e2 = (a[1] - b[1]) * (c[0] - b[0]);
     return e2 < e1;
 }

@@ -11,6 +11,7 @@
 #include "toolkit/canvas.h"
 #include "util/frame.h"
 #include "util/jniseam.h"
+#include "util/systemproperty.h"
 
 namespace {
 
@@ -23,15 +24,9 @@ getawt findawt(JNIEnv* env) {
     static bool looked;
     if (looked) return found;
     looked = true;
-    jclass system = env->FindClass("java/lang/System");
-    if (!system) return nullptr;
-    jmethodID property = env->GetStaticMethodID(system, "getProperty", "(Ljava/lang/String;)Ljava/lang/String;");
-    if (!property) return nullptr;
-    auto home = static_cast<jstring>(env->CallStaticObjectMethod(system, property, env->NewStringUTF("java.home")));
-    if (!home || env->ExceptionCheck()) return nullptr;
-    const char* chars = env->GetStringUTFChars(home, nullptr);
-    std::string path = std::string(chars) + "/lib/libjawt.so";
-    env->ReleaseStringUTFChars(home, chars);
+    std::string home = systemproperty(env, "java.home");
+    if (home.empty()) return nullptr;
+    std::string path = home + "/lib/libjawt.so";
     if (void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
         found = reinterpret_cast<getawt>(dlsym(library, "JAWT_GetAWT"));
     return found;

@@ -6,6 +6,7 @@
 #include "toolkit/tables.h"
 #include "toolkit/texturestore.h"
 #include "util/arraypin.h"
+#include "util/crash.h"
 #include "util/frame.h"
 #include "util/jniseam.h"
 #include "util/peer.h"
@@ -41,6 +42,7 @@ toolkit* maketoolkit(JNIEnv* env, jobject host, jobject source, int count) {
     t->fogdistance = 255.0f;
     t->shadowcell = 8;
     t->shadowshift = 3;
+    startcrashreporting(env);
     {
         hostcall guard;
         JavaVM* vm;
@@ -103,7 +105,6 @@ void setcliprect(toolkit& t, int left, int top, int right, int bottom) {
 
 extern "C" {
 
-// Crash reporting comes with its own subsystem.
 JNIEXPORT void JNICALL Java_ja_q(JNIEnv* env, jobject self, jobject source, jint count, jint) {
     runexport(env, [&] {
         toolkit* t = maketoolkit(env, self, source, count);
@@ -117,6 +118,7 @@ JNIEXPORT void JNICALL Java_ja_ma(JNIEnv* env, jobject self, jint) {
     runexport(env, [&] {
         toolkit* t = getpeer<toolkit>(env, hostclass::ja, self);
         if (t) {
+            stopcrashreporting();
             {
                 hostcall guard;
                 env->DeleteWeakGlobalRef(jniof(t->hostref));

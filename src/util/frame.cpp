@@ -8,6 +8,8 @@
 #include <ucontext.h>
 #include <xmmintrin.h>
 
+#include "util/crash.h"
+
 __thread librarythread wexelthread __attribute__((tls_model("initial-exec")));
 
 namespace {
@@ -85,14 +87,23 @@ void passon(int sig, siginfo_t* info, void* context) {
 void onfault(int sig, siginfo_t* info, void* context) {
     auto* uc = static_cast<ucontext_t*>(context);
     librarythread& t = wexelthread;
+    if (t.reporting) {
+        // The dump writer faulted: the frame reports that instead of a dump.
+        pthread_sigmask(SIG_SETMASK, &uc->uc_sigmask, nullptr);
+        t.reporting = 0;
+        t.top->fault = faultreport::reportfaulted;
+        siglongjmp(t.top->jump, 1);
+    }
     if (!t.running || !t.top || !inourcode(static_cast<uintptr_t>(uc->uc_mcontext.gregs[REG_RIP]))) {
         passon(sig, info, context);
         return;
     }
     // The jump does not restore the signal mask; without this the thread would keep the fault
-    // signals blocked and the JVM's next implicit null check would kill the process.
+    // signals blocked and the JVM's next implicit null check would kill the process. Restored
+    // before the dump too, so that a fault of the dump writer comes back here.
     pthread_sigmask(SIG_SETMASK, &uc->uc_sigmask, nullptr);
     t.running = 0;
+    t.top->fault = takecrashdump(sig, *info, *uc);
     siglongjmp(t.top->jump, 1);
 }
 
@@ -143,7 +154,12 @@ void reportfailure(JNIEnv* env, Exception* e) {
     delete e;
 }
 
-void reportfault(JNIEnv* env) { RuntimeException("System exception occured").throwtohost(env); }
+void reportfault(JNIEnv* env, faultreport how) {
+    if (how == faultreport::plain)
+        RuntimeException("System exception occured").throwtohost(env);
+    else
+        reportcrash(env, how);
+}
 
 hostcall::hostcall() : wasrunning(wexelthread.running) {
     librarythread& t = wexelthread;

@@ -16,8 +16,17 @@ struct framehold {
     void (*giveback)(framehold*);
 };
 
+// What the fault handler did before it jumped back to the export.
+enum class faultreport {
+    plain,          // no crash handler on this thread
+    dumped,         // a dump was written
+    dumpfailed,     // no dump: the file could not be made or written
+    reportfaulted,  // the dump writer itself faulted
+};
+
 struct exportframe {
     sigjmp_buf jump;
+    faultreport fault;
     exportframe* outer;
     framehold* holds;          // most recent first
     unsigned hostmxcsr;        // the caller's control word, restored on the way out
@@ -29,6 +38,7 @@ struct exportframe {
 struct librarythread {
     exportframe* top;
     int running;               // 1 while the library's own code runs on this thread
+    int reporting;             // 1 while a crash dump is being written on this thread
 };
 extern __thread librarythread wexelthread __attribute__((tls_model("initial-exec")));
 
@@ -39,7 +49,7 @@ inline constexpr unsigned librarymxcsr = 0x1F80u | 0x8040u;
 void enterframe(exportframe& f);
 void leaveframe(exportframe& f);
 void givebackholds(exportframe& f);
-void reportfault(JNIEnv* env);
+void reportfault(JNIEnv* env, faultreport how = faultreport::plain);
 void reportfailure(JNIEnv* env, Exception* e);
 
 // Runs `work` as the body of an export. After a failure the host has a pending exception and the
@@ -67,7 +77,7 @@ auto runexport(JNIEnv* env, F&& work) -> decltype(work()) {
         }
     } else {
         givebackholds(f);
-        reportfault(env);
+        reportfault(env, f.fault);
     }
     leaveframe(f);
     return R{};

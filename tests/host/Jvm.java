@@ -52,14 +52,21 @@ final class Jvm {
         return t;
     }
 
-    // What the child printed, less the JVM's notices that the library installed its fault
-    // handlers: a block from "Warning: SIG... handler modified!" to "Consider using jsig library.".
+    // The lines that the error class writes before it is raised. The JVM's notices are written in
+    // pieces, and such a line may come in the middle of one of theirs.
+    List<String> throwing() {
+        return out.lines().filter(l -> l.contains("Throwing: ")).map(l -> l.substring(l.indexOf("Throwing: "))).toList();
+    }
+
+    // What the child printed, less the lines of throwing() and the JVM's notices that the library
+    // installed its fault handlers: a block from "Warning: SIG... handler modified!" to "Consider
+    // using jsig library.".
     String unexpectedoutput() {
         StringBuilder b = new StringBuilder();
         boolean notice = false;
         for (String line : (out + "\n" + err).split("\n")) {
             if (line.matches("Warning: SIG[A-Z]+ handler modified!")) notice = true;
-            if (!notice && !line.isEmpty()) b.append(line).append('\n');
+            if (!notice && !line.isEmpty() && !line.startsWith("Throwing: ")) b.append(line).append('\n');
             if (line.equals("Consider using jsig library.")) notice = false;
         }
         return b.toString();

@@ -9,9 +9,11 @@ fi
 java=$1 junit=$2 libdir=$3 classpath=$4
 shift 4
 log=$(mktemp)
-trap 'rm -f "$log"' EXIT
+# The dumps of the tests' faults go to a folder of their own.
+dumps=$(mktemp -d)
+trap 'rm -rf "$log" "$dumps"' EXIT
 
-"$java" -Djava.library.path="$libdir" -Dwexel.classpath="$classpath" "$@" -jar "$junit" \
+"$java" -Djava.library.path="$libdir" -Djava.io.tmpdir="$dumps" -Dwexel.classpath="$classpath" "$@" -jar "$junit" \
   --class-path "$classpath" --scan-class-path --disable-banner --disable-ansi-colors --details=tree \
   --exclude-classname='.*\$.*' >"$log" 2>&1
 status=$?

@@ -1,5 +1,6 @@
 // Every class of the failure tree raised in a real JVM: the host class and message it leaves
-// pending, the line the error class alone writes first, and what the frame makes of a failure.
+// pending, the line the error class alone writes first, and what the frame makes of a failure and
+// leaves of the thread.
 #include <gtest/gtest.h>
 
 #include "jvm.h"
@@ -61,6 +62,15 @@ TEST(exceptiontree, frametellsthehostandreturnszero) {
     EXPECT_EQ(p.message, "outside the mask");
     EXPECT_EQ(runexport(jvmenv, [] { return 7; }), 7);
     EXPECT_EQ(takepending().classname, "");
+    // The thread is the host's again after every export, also after one made from inside a call
+    // back into the host, where a fault of the JVM's own would otherwise be taken as the library's.
+    EXPECT_EQ(wexelthread.running, 0);
+    runexport(jvmenv, [] {
+        hostcall host;
+        runexport(jvmenv, [] {});
+        EXPECT_EQ(wexelthread.running, 0);
+    });
+    EXPECT_EQ(wexelthread.running, 0);
 }
 
 }  // namespace

@@ -1,12 +1,16 @@
 // The pool as the host sees it: made and destroyed through ba, asking the toolkit's host object
-// for memory through h when full, and taking copies of host arrays.
+// for memory through h when full, and taking copies of host arrays; a shadow mask in a pool.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "jvm.h"
+#include "toolkit/shadowmask.h"
 #include "toolkit/toolkit.h"
 #include "util/arraypin.h"
 #include "util/memory/copytomemory.h"
 #include "util/memory/memorypool.h"
+#include "util/peer.h"
 
 namespace {
 
@@ -95,6 +99,28 @@ TEST(memorypool, hostreleasesthearenaandkeepstherecord) {
     EXPECT_EQ(pool->base, nullptr);
     EXPECT_EQ(a.get(), nullptr);
     delete pool;
+}
+
+// A shadow mask's cells come cleared from its pool, whatever lay there; the host's destroy frees
+// the mask and clears the peer.
+TEST(shadowmask, startsclearedandthehostsdestroyclearsthepeer) {
+    memorypool pool(4096, nullptr);
+    {
+        allocatedmemory<uint8_t> stale;
+        pool.allocate(stale, 3000);
+        memset(stale.get(), 0xFF, 3000);
+    }
+    pool.compact();
+    auto* mask = new shadowmask(pool, 50, 40);
+    EXPECT_EQ(mask->pool, &pool);
+    EXPECT_EQ(mask->cells.length(), 2000);
+    for (int i = 0; i < 2000; ++i) ASSERT_EQ(mask->cells[i], 0) << i;
+    EXPECT_EQ(mask->x | mask->y | mask->usedwidth | mask->usedheight, 0);
+    jobject host = newobject("aa");
+    setpeer(jvmenv, hostclass::aa, host, mask);
+    call(host, "ma", "(I)V", 0);
+    EXPECT_EQ(longfield(host, "nativeid"), 0);
+    EXPECT_EQ(pool.verify(), nullptr);
 }
 
 template <pinkind K, class A, class E>

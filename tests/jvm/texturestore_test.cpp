@@ -3,6 +3,9 @@
 // store the texture calls fault.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <string>
 #include <vector>
 
 #include "jvm.h"
@@ -17,6 +20,11 @@ template <class... A>
 std::string call(jobject object, const char* method, const char* signature, A... args) {
     callvoid(object, method, signature, args...);
     return takepending().message;
+}
+
+// True when `path` names the crash dump that a fault on the drawing thread left; the dump goes.
+bool removeddump(const std::string& path) {
+    return path.ends_with(".dmp") && unlink(path.c_str()) == 0;
 }
 
 texturerecord* drawneeds(int id) {
@@ -53,11 +61,10 @@ TEST(texturestore, withoutasourcethetexturecallsfault) {
     jobject bare = newobject("ja");
     EXPECT_EQ(call(bare, "q", "(Ljava/lang/Object;II)V", nullptr, 16, 0), "");
     EXPECT_EQ(call(bare, "Y", "(I)V", 1000), "");
-    EXPECT_EQ(call(bare, "V", "(IIIIIIZIIIIZZZZZIZZI)V", 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0),
-              "System exception occured");
-    EXPECT_EQ(call(bare, "F", "(I[IIIIIIZIIIIZZZZZIZZI)V", 5, jvmenv->NewIntArray(128 * 128), 0, 0, 0, 0, 0, 0, 0,
-                   0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0),
-              "System exception occured");
+    EXPECT_TRUE(removeddump(
+        call(bare, "V", "(IIIIIIZIIIIZZZZZIZZI)V", 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0)));
+    EXPECT_TRUE(removeddump(call(bare, "F", "(I[IIIIIIZIIIIZZZZZIZZI)V", 5, jvmenv->NewIntArray(128 * 128), 0, 0, 0, 0,
+                                 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0)));
     EXPECT_EQ(call(bare, "ma", "(I)V", 0), "");
 }
 

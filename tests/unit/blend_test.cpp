@@ -1,10 +1,12 @@
-// The solid-colour write rules against references written from their definitions, and the store
-// run's split into head, aligned body and tail.
+// The solid-colour write rules against references written from their definitions, their
+// four-pixel forms against their one-pixel forms, and the store run's split into head, aligned
+// body and tail.
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <vector>
 
+#include "target.h"
 #include "toolkit/blend.h"
 #include "toolkit/fill.h"
 
@@ -47,9 +49,7 @@ TEST(blendmode, blendmatcheschannelreferenceforeveryalpha) {
                 uint32_t d = (y ^ 0x5A) << 24 | y << 16 | (255 - x) << 8 | x;
                 ASSERT_EQ(blendsource(c)(d), blendreference(d, c)) << std::hex << d << " " << c;
             }
-}
-
-TEST(blendmode, blendkeepsoldchannelsatzeroalphaanddropsoldalpha) {
+    // At alpha 0 the old channels stay and the old alpha goes.
     EXPECT_EQ(blendsource(0x00123456)(0xFFABCDEF), 0x00ABCDEFu);
 }
 
@@ -72,8 +72,8 @@ TEST(blendmode, opaqueblendisastore) {
     EXPECT_FALSE(isstore(add, 0xFF000000));
 }
 
-// Every start alignment and width 0 to 33, negative widths, and runs long enough for the
-// string store: exactly the run is written, whatever the split.
+// Every start alignment and width 0 to 33, negative widths, and longer runs: exactly the run is
+// written.
 TEST(storerun, writesexactlytherunateveryalignment) {
     std::vector<int> widths = {-5, -1, 300, 301, 302, 303};
     for (int n = 0; n <= 33; ++n) widths.push_back(n);
@@ -89,18 +89,37 @@ TEST(storerun, writesexactlytherunateveryalignment) {
         }
 }
 
-TEST(storerect, fillsonlytherectangleincludingwholebuffer) {
-    constexpr int w = 21, h = 7;
-    alignas(64) uint32_t buffer[w * h + 16];
-    for (auto [x, y, rw, rh] : {std::array{0, 0, w, h}, std::array{3, 2, 9, 4}, std::array{0, 6, 21, 1}}) {
-        for (uint32_t& b : buffer) b = 1;
-        storerect(buffer, w, h, x, y, rw, rh, 7);
-        for (int i = 0; i < w * h + 16; ++i) {
-            int px = i % w, py = i / w;
-            bool inside = i < w * h && px >= x && px < x + rw && py >= y && py < y + rh;
-            ASSERT_EQ(buffer[i], inside ? 7u : 1u) << i;
+// The four-pixel forms against the one-pixel forms, for every alpha, with channel bytes biased to
+// the ends, in every lane position of runs 1 to 33 pixels long.
+template <class Rule>
+void expectrunsasonepixelatatime(Rule rule, uint32_t colour, testrng& rng) {
+    alignas(16) uint32_t buffer[48];
+    uint32_t before[48];
+    for (int start = 0; start < 4; ++start) {
+        for (uint32_t& b : before) b = rng.pixel();
+        for (int n = 1; n <= 33; ++n) {
+            std::copy(before, before + 48, buffer);
+            writerun(buffer + start, n, rule);
+            for (int i = 0; i < 48; ++i) {
+                bool inside = i >= start && i < start + n;
+                uint32_t expected = inside ? rule(before[i]) : before[i];
+                if (buffer[i] == expected) continue;
+                FAIL() << std::hex << "colour " << colour << " old " << before[i] << " gives " << buffer[i] << " for "
+                       << expected << std::dec << ", start " << start << " length " << n << " at " << i;
+            }
         }
     }
+}
+
+TEST(writerun, fourpixelblendandaddareexact) {
+    testrng rng(99);
+    for (uint32_t a = 0; a < 256; ++a) {
+        uint32_t colour = a << 24 | (rng.pixel() & 0xFFFFFF);
+        expectrunsasonepixelatatime(blendsource(colour), colour, rng);
+        expectrunsasonepixelatatime(addrule{rng.pixel()}, colour, rng);
+        if (HasFatalFailure()) return;
+    }
+    expectrunsasonepixelatatime(storerule{0x12345678}, 0x12345678, rng);
 }
 
 }  // namespace

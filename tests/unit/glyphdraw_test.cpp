@@ -23,7 +23,7 @@ struct scene {
 
     scene() {
         setcliprect(target.t, clipleft, cliptop, clipright, clipbottom);
-        for (auto& p : palette) p = randompixel(rng);
+        for (auto& p : palette) p = rng.pixel();
         paints = {{glyphform::coverage, 0x80C08040u, nullptr},
                   {glyphform::fade, 0x60FF2010u, nullptr},
                   {glyphform::fade, 0x00FF2010u, nullptr},

@@ -1,12 +1,11 @@
-// The glyph pixel forms against their channel-by-channel definitions: the blends over every
-// glyph byte and opacity, and every form's row walk in every position of rows up to 13 long.
+// The glyph pixel forms against their channel-by-channel definitions, over every glyph byte and
+// opacity. The fuzz family "fonts" runs every form's rows through the same definitions.
 #include <gtest/gtest.h>
 
 #include <vector>
 
 #include "glyphreference.h"
 #include "sprite/glyphpixels.h"
-#include "target.h"
 
 namespace {
 
@@ -25,35 +24,6 @@ TEST(glyphpixels, blendsmatchthedefinitionforeverybyteandopacity) {
                 ASSERT_EQ(fadeform(colour)(d, 1), glyphreference::weighted(d, colour, 255 - k, k)) << std::hex << d << " " << colour;
                 ASSERT_EQ(fadeform(colour)(d, 255), fadeform(colour)(d, 1));
             }
-}
-
-TEST(glyphpixels, rowsmatchthereferenceineverypositionofeverylength) {
-    testrng rng(7);
-    std::vector<uint32_t> palette(256);
-    for (auto& p : palette) p = randompixel(rng);
-    for (uint32_t colour : {0xFF336699u, 0x00336699u, 0x80FFFF00u})
-        for (int n = 0; n <= 13; ++n)
-            for (int start = 0; start < 4; ++start)
-                for (int trial = 0; trial < 40; ++trial) {
-                    std::vector<uint8_t> bytes(start + n);
-                    for (auto& b : bytes) {
-                        uint32_t pick = rng() % 3;
-                        b = static_cast<uint8_t>(pick == 0 ? 0 : pick == 1 ? 255 : rng());
-                    }
-                    std::vector<uint32_t> before(start + n + 1);
-                    for (auto& p : before) p = randompixel(rng);
-                    auto check = [&](glyphform form, const auto& kernel) {
-                        std::vector<uint32_t> out = before, expected = before;
-                        paintrow(out.data() + start, bytes.data() + start, n, kernel);
-                        for (int i = start; i < start + n; ++i)
-                            if (bytes[i]) expected[i] = glyphreference::pixel(form, before[i], bytes[i], colour, palette);
-                        ASSERT_EQ(out, expected) << static_cast<int>(form) << " n " << n << " start " << start;
-                    };
-                    check(glyphform::coverage, coverageform{colour});
-                    check(glyphform::fade, fadeform(colour));
-                    check(glyphform::colour, colourform{colour});
-                    check(glyphform::palette, paletteform{palette.data()});
-                }
 }
 
 }  // namespace

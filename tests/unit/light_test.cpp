@@ -92,9 +92,11 @@ TEST_F(light, fogfollowsdistanceprojectionandviewport) {
     p[10] *= 0.5f;
     setprojectionmatrix(t, p);
     expectfog(0x80FF0102);
-    setfog(t, 0x00FFFFFF, -20);
-    EXPECT_EQ(t.fogdistance, 0.0f);
-    expectfog(0x00FFFFFF);
+    for (int distance : {0, -20}) {
+        setfog(t, 0x00FFFFFF, distance);
+        EXPECT_EQ(bitsof(t.fogdistance), 0u);
+        expectfog(0x00FFFFFF);
+    }
 }
 
 // The shade colour shares the toolkit's fog colour word but has its own raster form. The

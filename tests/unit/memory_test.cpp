@@ -71,6 +71,18 @@ TEST(memorymanager, blocksstackupwardsandcompactdowntotheiralignment) {
     EXPECT_EQ(m.verify(), nullptr);
 }
 
+// The record of the block that died last serves the next block, but under the sanitiser, which
+// gives records back to the heap to see a use after the last release.
+TEST(memoryblock, recordsarereused) {
+    void* first = memoryblock::operator new(sizeof(memoryblock));
+    memoryblock::operator delete(first);
+    void* second = memoryblock::operator new(sizeof(memoryblock));
+#ifndef __SANITIZE_ADDRESS__
+    EXPECT_EQ(second, first);
+#endif
+    memoryblock::operator delete(second);
+}
+
 TEST(memorymanagerdeath, truncatingtomorethanthelengthfailstheassertion) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     memorymanager m(64 * kb);
@@ -111,6 +123,7 @@ TEST(memorymanager, fullarenacompactsasksitsownerandgrows) {
         {"a gap is enough", 640 * kb, {300, 300}, 0, none, 320, 0, 640 * kb, 300 * kb},
         {"the owner's release is enough", 1024 * kb, {100, 400, 400}, 0, 1, 500, 1, 1024 * kb, 400 * kb},
         {"224 KB free after the release", 1024 * kb, {100, 800}, none, 0, 250, 1, 1153433, 800 * kb},
+        {"exactly 300 KB free after the release", 1024 * kb, {300, 724}, none, 0, 250, 1, 1024 * kb, 724 * kb},
         // 1024 KB grows to 1153433 and then 1268776 bytes, the first that holds 1200 KB.
         {"nothing released, enough free", 1024 * kb, {100}, none, none, 1100, 1, 1268776, 100 * kb},
         {"everything released", 512 * kb, {400}, none, everything, 200, 1, 512 * kb, 0},

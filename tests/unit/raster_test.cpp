@@ -24,12 +24,12 @@ float coordinate(testrng& rng, float low, float high) {
 }
 // Depths that the buffer holds too, so that equal z occurs.
 float depth(testrng& rng) { return anyof(rng, {0.25f, 0.5f, 0.75f, uniform(rng, 0.0f, 1.0f)}); }
-uint16_t lane(testrng& rng) { return static_cast<uint16_t>(rng() % 4 ? (randompixel(rng) & 0xFF) << 8 : rng()); }
+uint16_t lane(testrng& rng) { return static_cast<uint16_t>(rng() % 4 ? (rng.pixel() & 0xFF) << 8 : rng()); }
 
 // The buffers, viewport, clip and fog of one case, the same in both targets, and a triangle.
 rastertriangle scene(testrng& rng, guarded<uint32_t>* colour, guarded<float>* depths, const uint32_t* texels) {
     for (int i = 0; i < pixels; ++i) {
-        colour[0][i] = colour[1][i] = randompixel(rng);
+        colour[0][i] = colour[1][i] = rng.pixel();
         depths[0][i] = depths[1][i] = rng() % 64 ? depth(rng) : NAN;
     }
     setviewport(0, 0, width, height, anyof(rng, {0.0f, 0.3f}), anyof(rng, {1.0f, 0.7f}));
@@ -52,7 +52,7 @@ rastertriangle scene(testrng& rng, guarded<uint32_t>* colour, guarded<float>* de
         t.uv[v][1] = t.uv[v][3] = uniform(rng, -200.0f, 330.0f);
         t.shadefactor[v] = anyof(rng, {0.0f, 1.0f, uniform(rng, 0.0f, 1.0f)});
     }
-    t.blendfactor = (randompixel(rng) & 0xFF) * 0x10001;
+    t.blendfactor = (rng.pixel() & 0xFF) * 0x10001;
     t.texels[0] = texels;
     return t;
 }
@@ -64,7 +64,7 @@ TEST_F(raster, everymembermatchesthereference) {
     guarded<float> depths[2] = {guarded<float>(pixels), guarded<float>(pixels)};
     testrng rng(7);
     for (int i = 0; i < 128 * 256; ++i)
-        texels[i] = rng() % 2 ? randompixel(rng) : anyof(rng, {0, 0xFF000000u, 0x00FFFFFF});
+        texels[i] = rng() % 2 ? rng.pixel() : anyof(rng, {0, 0xFF000000u, 0x00FFFFFF});
     for (const trianglemember& m : trianglemembers)
         for (int c = 0; c < 200; ++c) {
             testrng rng(static_cast<uint64_t>(c) * 1000 + indexof(trianglemembers, m));

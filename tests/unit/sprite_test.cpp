@@ -66,10 +66,10 @@ TEST(spritetiling, padsspacetherepeatsandtheareaclips) {
     std::fill(g.colour.get(), g.colour.get() + g.pixels(), 0u);
     uint32_t pixels[2] = {0xFF0000AA, 0xFF0000BB};
     for (auto [tint, blend] : {std::pair{5, 0}, {-1, 0}, {1, 3}, {1, -1}})
-        drawsprite(g.t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 6, tint, 0, blend);
+        drawsprite(g.t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 6, tint, 0, blend, lanewidth::four);
     spriteimage image{pixels, 2, 1, 2, 1, 1, 0, 1};  // full 3 by 3, image at (1, 1)
     g.t.cliprect[2] = 40;  // wider than the target, as a resize would leave it
-    tilesprite(g.t, image, 0, 0, 8, 5, 1, 0, 0);
+    tilesprite(g.t, image, 0, 0, 8, 5, 1, 0, 0, lanewidth::four);
     for (int y = 0; y < 8; ++y)
         for (int x = 0; x < 16; ++x) {
             uint32_t expect = 0;
@@ -92,7 +92,7 @@ TEST(spriteobject, randomblockcopieswriteexactlytheblock) {
         int w = int(rng() % (width - x + 1)), h = int(rng() % (height - y + 1));
         long pitch = w + rng() % 4;
         std::vector<uint32_t> source(pitch * h + 1);
-        for (uint32_t& p : source) p = rng() % 3 ? randompixel(rng) : rng() % 2;
+        for (uint32_t& p : source) p = rng() % 3 ? rng.pixel() : rng() % 2;
         bool key = rng() % 2;
         copyblock(*s, x, y, w, h, source.data(), pitch, key);
         for (int j = 0; j < height; ++j)

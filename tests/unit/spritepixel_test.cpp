@@ -1,18 +1,12 @@
 // Every sprite pixel rule, in its group and leftover forms, against the scalar reference: all
-// pairs of the bytes that decide a channel, with a biased sample of the third; then rows of every
-// length from 1 to 33 at every start offset through the single draw.
+// pairs of the bytes that decide a channel, with a biased sample of the third. The fuzz family
+// "sprites" draws rows of every length from every start through the same reference.
 #include <gtest/gtest.h>
 
 #include <array>
-#include <random>
-#include <vector>
 
-#include "sprite/drawsprite.h"
 #include "sprite/spriterows.h"
 #include "spritereference.h"
-
-using spritereference::drawingwith;
-using spritereference::rowtablesavailable;
 
 namespace {
 
@@ -33,9 +27,9 @@ struct triple {
 // Eight triples of a sweep share the colour, as the pixels of one draw do. They go through each
 // table's member once as one row of groups, and each alone as a leftover.
 template <class Make>
-void sweep(int rule, Make make) {
-    int tint = rule / 3, blend = rule % 3;
-    for (const rowtables* table : rowtablesavailable())
+void sweep(pixelrule rule, Make make) {
+    int tint = int(rule.get<tintmode>()), blend = int(rule.get<blendmode>()), index = indexof(spriterules, rule);
+    for (lanewidth lanes : runnablewidths())
         for (uint32_t third = 0; third < thirds.size(); ++third)
             for (uint32_t i = 0; i < 256; i += pairstep)
                 for (uint32_t j = 0; j < 256; j += 8) {
@@ -48,19 +42,19 @@ void sweep(int rule, Make make) {
                         group[l] = leftover[l] = p[l].d;
                     }
                     tintconstants k(p[0].c);
-                    table->ownsize[rule](group, 8, s, 8, 8, 1, k);
-                    for (int l = 0; l < 8; ++l) table->ownsize[rule](leftover + l, 1, s + l, 1, 1, 1, k);
+                    rowtablesof(lanes).ownsize[index](group, 8, s, 8, 8, 1, k);
+                    for (int l = 0; l < 8; ++l) rowtablesof(lanes).ownsize[index](leftover + l, 1, s + l, 1, 1, 1, k);
                     for (int l = 0; l < 8; ++l)
                         for (bool g : {true, false}) {
                             const triple& q = p[l];
                             ASSERT_EQ((g ? group : leftover)[l], spritereference::pixel(tint, blend, g, q.s, q.c, q.d))
-                                << (g ? "group" : "leftover") << ", tint " << tint << " blend " << blend << std::hex
+                                << (g ? "group" : "leftover") << ", " << axisname(lanes) << std::hex
                                 << " s " << q.s << " c " << q.c << " d " << q.d;
                         }
                 }
 }
 
-class pixelrules : public testing::TestWithParam<int> {};
+class pixelrules : public testing::TestWithParam<pixelrule> {};
 
 // Source alpha against a source channel: the blend's weight and the tinted value.
 TEST_P(pixelrules, sourcealphaagainstsourcechannel) {
@@ -90,44 +84,7 @@ TEST_P(pixelrules, sourcechannelagainstcolourchannel) {
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(all, pixelrules, testing::Range(0, 15), [](const testing::TestParamInfo<int>& info) {
-    return "tint" + std::to_string(info.param / 3) + "blend" + std::to_string(info.param % 3);
-});
-
-// Which pixels are leftovers depends on the clipped row, not on where the source starts: every
-// length from 1 to 33, every buffer offset and every source offset 0 to 3.
-TEST(spriterows, groupsstartatthecliplefteveryoffsetandlength) {
-    std::mt19937 random(7);
-    constexpr int width = 40;
-    std::vector<uint32_t> source(40), before(width), pixels(width);
-    for (uint32_t& p : source) p = random();
-    spriteimage image{source.data(), 37, 1, 37, 0, 0, 0, 0};
-    toolkit t{};
-    t.width = width;
-    t.height = 1;
-    t.colourbuffer = pixels.data();
-    for (const rowtables* table : rowtablesavailable()) {
-        drawingwith rows(table);
-        for (int rule = 0; rule < 15; ++rule)
-            for (int skip = 0; skip < 4; ++skip)
-                for (int offset = 0; offset < 4; ++offset)
-                    for (int n = 1; n <= 33; ++n) {
-                        uint32_t colour = random();
-                        for (uint32_t& p : before) p = random();
-                        std::copy(before.begin(), before.end(), pixels.begin());
-                        setcliprect(t, offset, 0, offset + n, 1);
-                        drawsprite(t, image, offset - skip, 0, rule / 3, colour, rule % 3);
-                        for (int x = 0; x < width; ++x) {
-                            int i = x - offset;
-                            uint32_t expect = before[x];
-                            if (i >= 0 && i < n)
-                                expect = spritereference::pixel(rule / 3, rule % 3, i < (n & ~3), source[skip + i],
-                                                                colour, before[x]);
-                            ASSERT_EQ(pixels[x], expect) << "rule " << rule << " skip " << skip << " offset " << offset
-                                                         << " n " << n << " x " << x;
-                        }
-                    }
-    }
-}
+INSTANTIATE_TEST_SUITE_P(all, pixelrules, testing::ValuesIn(spriterules),
+                         [](const testing::TestParamInfo<pixelrule>& info) { return info.param.name('_'); });
 
 }  // namespace

@@ -3,9 +3,9 @@
 #pragma once
 #include <algorithm>
 #include <cstdint>
-#include <vector>
 
 #include "sprite/spriterows.h"
+#include "toolkit/spanmask.h"
 
 namespace spritereference {
 
@@ -69,28 +69,64 @@ struct view {
     int clip[4];
 };
 
+// The own-size draw: the image at (x, y) moved by its pads, cut to the clip, each row in groups of
+// four from its clipped left end.
+inline void ownsize(const view& t, const spriteimage& image, long long x, long long y, int tint, uint32_t colour,
+                    int blend) {
+    long long X = x + image.padleft, Y = y + image.padtop;
+    long long left = std::max<long long>(X, t.clip[0]), right = std::min<long long>(X + image.width, t.clip[2]);
+    for (long long py = std::max<long long>(Y, t.clip[1]); py < std::min<long long>(Y + image.height, t.clip[3]); ++py)
+        for (long long px = left; px < right; ++px) {
+            uint32_t& d = t.colour[py * t.width + px];
+            d = pixel(tint, blend, px - left < ((right - left) & ~3), image.pixels[(py - Y) * image.pitch + px - X],
+                      colour, d);
+        }
+}
+
+// The plain alpha-blended draw through a span mask: each row runs where the image, the clip
+// rectangle, the mask's rectangle and the row's span overlap, in groups from the run's own start.
+inline void throughmask(const view& t, const spriteimage& image, long long x, long long y, const spanmask& mask,
+                        long long maskx, long long masky) {
+    const long long X = x + image.padleft, Y = y + image.padtop, rows = mask.rows();
+    const long long left = std::max<long long>(t.clip[0], maskx);
+    const long long right = std::min<long long>(t.clip[2], maskx + mask.width);
+    const long long bottom = std::min<long long>(t.clip[3], masky + mask.height);
+    for (long long py = std::max<long long>(t.clip[1], masky); py < bottom; ++py) {
+        long long row = py - Y, maskrow = py - masky;
+        if (row < 0 || row >= image.height || maskrow >= rows) continue;
+        long long span = maskx + mask.offsets[maskrow];
+        long long from = std::max({left, X, span});
+        long long to = std::min({right, X + image.width, span + mask.widths[maskrow]});
+        for (long long px = from; px < to; ++px) {
+            uint32_t& d = t.colour[py * t.width + px];
+            d = pixel(1, 1, px - from < ((to - from) & ~3), image.pixels[row * image.pitch + px - X], 0, d);
+        }
+    }
+}
+
 // The scaled draw step by step: pads scaled in proportion, sampling restarted at the whole part
 // of the clipped distance, group lanes advanced by float addition, leftovers by multiplication
-// (by division for the plain tint with depth), depth passing when z <= depth.
+// (by division for the plain tint with depth), depth passing when z <= depth. Positions that
+// carry past the image's last column or row sample that column or row.
 inline void scaled(const view& t, const uint32_t* pixels, int width, int height, long pitch, const int pads[4],
                    int x, int y, int w, int h, int tint, uint32_t colour, int blend, float z) {
+    using int64 = long long;
     int fullwidth = pads[0] + pads[2] + width, fullheight = pads[1] + pads[3] + height;
     float ax = float(w) / float(fullwidth), ay = float(h) / float(fullheight);
     int l = int(float(pads[0]) * ax), tp = int(float(pads[1]) * ay);
     int r = int(float(pads[2]) * ax), b = int(float(pads[3]) * ay);
-    int dw = w - (l + r), dh = h - (tp + b), X = x + l, Y = y + tp;
+    int64 dw = int64{w} - (l + r), dh = int64{h} - (tp + b), X = int64{x} + l, Y = int64{y} + tp;
     float fx = float(dw) / float(width), fy = float(dh) / float(height);
     float ustep = 1 / fx, vstep = 1 / fy;
-    int ustart = int(float(std::max(0, t.clip[0] - X)) * ustep);
-    int vstart = int(float(std::max(0, t.clip[1] - Y)) * vstep);
-    int sx = std::max(X, t.clip[0]), sy = std::max(Y, t.clip[1]);
-    int n = std::min(dw - (sx - X), t.clip[2] - sx), rows = std::min(dh - (sy - Y), t.clip[3] - sy);
-    if (n < 1 || rows < 1) return;
+    int ustart = std::clamp(int(float(std::max<int64>(0, t.clip[0] - X)) * ustep), 0, width - 1);
+    int vstart = std::clamp(int(float(std::max<int64>(0, t.clip[1] - Y)) * vstep), 0, height - 1);
+    int64 sx = std::max<int64>(X, t.clip[0]), sy = std::max<int64>(Y, t.clip[1]);
+    int64 n = std::min<int64>(dw - (sx - X), t.clip[2] - sx), rows = std::min<int64>(dh - (sy - Y), t.clip[3] - sy);
     float v = 0;
-    for (int j = 0; j < rows; ++j, v += vstep) {
-        const uint32_t* src = pixels + (vstart + int(v)) * pitch + ustart;
-        uint32_t* dst = t.colour + long(sy + j) * t.width + sx;
-        const float* depth = t.depth ? t.depth + long(sy + j) * t.width + sx : nullptr;
+    for (int64 j = 0; j < rows; ++j, v += vstep) {
+        const uint32_t* src = pixels + std::min(vstart + int(v), height - 1) * pitch + ustart;
+        uint32_t* dst = t.colour + (sy + j) * t.width + sx;
+        const float* depth = t.depth ? t.depth + (sy + j) * t.width + sx : nullptr;
         float lanes[4] = {0 * ustep, 1 * ustep, 2 * ustep, 3 * ustep};
         for (int i = 0; i < n; ++i) {
             bool group = i < (n & ~3);
@@ -98,23 +134,9 @@ inline void scaled(const view& t, const uint32_t* pixels, int width, int height,
             if (group && i % 4 == 3)
                 for (float& lane : lanes) lane += 4 * ustep;
             if (depth && !(z <= depth[i])) continue;
-            dst[i] = pixel(tint, blend, group, src[int(u)], colour, dst[i]);
+            dst[i] = pixel(tint, blend, group, src[std::min(int(u), width - 1 - ustart)], colour, dst[i]);
         }
     }
 }
-
-// The row tables this processor can run: four pixels at a time, and eight where it can.
-inline std::vector<const rowtables*> rowtablesavailable() {
-    std::vector<const rowtables*> list = {&narrowrows};
-    if (widerows()) list.push_back(widerows());
-    return list;
-}
-
-// Draws through the given row tables while in scope.
-struct drawingwith {
-    const rowtables* const saved = spriterowtables;
-    explicit drawingwith(const rowtables* t) { spriterowtables = t; }
-    ~drawingwith() { spriterowtables = saved; }
-};
 
 }  // namespace spritereference

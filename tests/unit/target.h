@@ -1,8 +1,10 @@
 // A toolkit drawing into guarded buffers, for the tests of the 2D primitives.
 #pragma once
 #include <cstdint>
+#include <sstream>
 #include <vector>
 
+#include "fuzz.h"
 #include "guarded.h"
 #include "toolkit/blend.h"
 #include "toolkit/toolkit.h"
@@ -29,32 +31,6 @@ struct testtarget {
     }
 };
 
-// A small, fast generator for test data (splitmix64); a given seed always gives the same run.
-struct testrng {
-    using result_type = uint32_t;
-    uint64_t state;
-    explicit testrng(uint64_t seed) : state(seed) {}
-    static constexpr result_type min() { return 0; }
-    static constexpr result_type max() { return 0xFFFFFFFFu; }
-    result_type operator()() {
-        uint64_t z = (state += 0x9E3779B97F4A7C15ull);
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-        return static_cast<result_type>((z ^ (z >> 31)) >> 32);
-    }
-};
-
-// Pixel words with bytes biased towards 0x00 and 0xFF, where the rules carry and saturate.
-inline uint32_t randompixel(testrng& rng) {
-    uint32_t v = 0;
-    for (int i = 0; i < 4; ++i) {
-        uint32_t pick = rng() % 4;
-        uint32_t byte = pick == 0 ? 0 : pick == 1 ? 255 : rng() & 255;
-        v = v << 8 | byte;
-    }
-    return v;
-}
-
 // The first pixel that differs from expected, or -1.
 inline int firstdifference(const testtarget& g, const std::vector<uint32_t>& expected) {
     for (int i = 0; i < g.pixels(); ++i)
@@ -62,8 +38,17 @@ inline int firstdifference(const testtarget& g, const std::vector<uint32_t>& exp
     return -1;
 }
 
+inline ::testing::AssertionResult samepixels(const testtarget& g, const std::vector<uint32_t>& expected) {
+    int i = firstdifference(g, expected);
+    if (i < 0) return ::testing::AssertionSuccess();
+    std::ostringstream o;
+    o << "pixel " << i % g.t.width << "," << i / g.t.width << " is " << std::hex << g.colour[i] << ", expected "
+      << expected[i];
+    return ::testing::AssertionFailure() << o.str();
+}
+
 inline void fillrandom(testtarget& g, testrng& rng) {
-    for (int i = 0; i < g.pixels(); ++i) g.colour[i] = randompixel(rng);
+    for (int i = 0; i < g.pixels(); ++i) g.colour[i] = rng.pixel();
 }
 
 // True when draw fails with IllegalArgumentException (an invalid mode, for shapes); the failure

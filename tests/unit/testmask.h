@@ -8,7 +8,7 @@
 #include "util/memory/memorypool.h"
 
 struct testmask {
-    memorypool pool{1 << 16, nullptr};
+    memorypool pool{1 << 12, nullptr};
     spanmask mask{};
 
     // Replaces the tables; they may differ in length.
@@ -21,15 +21,15 @@ struct testmask {
         mask.widthcount = static_cast<int>(widths.size());
     }
 
-    // Up to `rows` rows of spans around the mask's corner, some empty or of negative width, and
-    // now and then a widths table a row short.
-    void randomise(testrng& rng, int rows, int reach) {
-        std::vector<int> offsets(rng() % (rows + 1)), widths(offsets.size());
-        for (size_t r = 0; r < offsets.size(); ++r) {
-            offsets[r] = static_cast<int>(rng() % (reach + 10)) - 10;
-            widths[r] = static_cast<int>(rng() % (reach + 6)) - 5;
+    // Up to `rows` rows of spans around the mask's corner, some empty or of negative width, now
+    // and then one far off, and now and then a widths table a row short.
+    void randomise(testrng& r, int rows, int reach) {
+        std::vector<int> offsets(r.below(rows + 1)), widths(offsets.size());
+        for (size_t i = 0; i < offsets.size(); ++i) {
+            offsets[i] = r.onein(8) ? r.coordinate(reach) : r.between(-10, reach);
+            widths[i] = r.onein(8) ? r.coordinate(reach) : r.between(-5, reach);
         }
-        if (!widths.empty() && rng() % 8 == 0) widths.pop_back();
+        if (!widths.empty() && r.onein(8)) widths.pop_back();
         set(offsets, widths);
     }
 

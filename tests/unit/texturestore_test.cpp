@@ -45,7 +45,7 @@ TEST(texturefilter, matchesthereference) {
     testrng rng(0x7E47);
     std::vector<uint32_t> image(128 * 128), atlas(128 * atlaspitch);
     for (int picture = 0; picture < 32; ++picture) {
-        for (uint32_t& p : image) p = rng() % 16 < picture % 4 * 5u ? 0 : randompixel(rng);
+        for (uint32_t& p : image) p = rng() % 16 < picture % 4 * 5u ? 0 : rng.pixel();
         bool opaque = picture & 4, wrapu = picture & 8, wrapv = picture & 16;
         std::fill(atlas.begin(), atlas.end(), 0xA5A5A5A5u);
         filtertexture(image.data(), atlas.data(), atlaspitch, opaque, wrapu, wrapv);

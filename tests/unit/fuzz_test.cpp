@@ -1,0 +1,436 @@
+// The fuzz families: random calls of every clipping draw, with positions, sizes, pads and clip
+// rectangles from the ordinary to the extreme, into targets fenced by sentinels and inaccessible
+// pages, from images flush against such pages. Nothing may change outside the clip rectangle,
+// nothing outside the target or the image may be touched, and wherever the family has a scalar
+// reference every pixel must match it. A new family is one function and one row of `families`.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <iterator>
+#include <vector>
+
+#include "fontreference.h"
+#include "fuzz.h"
+#include "shapereference.h"
+#include "sprite/drawscaled.h"
+#include "sprite/drawsprite.h"
+#include "sprite/drawturned.h"
+#include "spritereference.h"
+#include "target.h"
+#include "testmask.h"
+#include "toolkit/disc.h"
+#include "toolkit/fill.h"
+#include "toolkit/line.h"
+#include "toolkit/maskfill.h"
+#include "turnedreference.h"
+
+namespace {
+
+// A clip rectangle as the host's setters can leave it: the whole target, a part of it, or cut to
+// the target from anywhere around it, and so empty, inverted or wholly beside it.
+void randomclip(toolkit& t, testrng& r) {
+    const int w = t.width, h = t.height;
+    switch (r.below(8)) {
+        case 0: case 1: return setcliprect(t, 0, 0, w, h);
+        case 2: case 3: case 4: return setcliprect(t, r.below(w), r.below(h), w - r.below(w), h - r.below(h));
+        default: return clampcliprect(t, r.coordinate(w), r.coordinate(h), r.coordinate(w), r.coordinate(h));
+    }
+}
+
+// Mostly a valid blend mode; now and then one that must raise, or draw nothing.
+int anymode(testrng& r) { return r.onein(16) ? (r.below(2) ? 3 : -1) : r.below(3); }
+
+// Checks a drawn target against what was expected of it: every fence, the pixels outside the clip
+// rectangle unchanged, and every pixel where the expectation is known.
+::testing::AssertionResult drewasexpected(const testtarget& g, const std::vector<uint32_t>& before,
+                                          const std::vector<uint32_t>& expected, bool known) {
+    if (!g.colour.intact() || !g.depth.intact()) return ::testing::AssertionFailure() << "wrote outside the target";
+    for (int i = 0; i < g.pixels(); ++i)
+        if (g.colour[i] != before[i] && !g.insideclip(i % g.t.width, i / g.t.width))
+            return ::testing::AssertionFailure() << "changed pixel " << i % g.t.width << "," << i / g.t.width
+                                                 << " outside the clip";
+    return known ? samepixels(g, expected) : ::testing::AssertionSuccess();
+}
+
+// The shapes: a corner or end (x, y), a size or the other end (u, v).
+struct shape {
+    int x, y, u, v, radius, maskx, masky;
+    float z;
+    const testmask* mask;
+};
+
+using painter = std::function<void(long long x, long long y)>;
+
+struct shapekind {
+    const char* name;
+    bool moded;  // false: stores whatever the mode
+    void (*draw)(toolkit&, const shape&, uint32_t colour, int mode);
+    // Paints every pixel of the target the shape covers before clipping; false when the reference
+    // cannot follow this case, and only the clip and the fences are checked.
+    bool (*cover)(const shape&, const testtarget&, const painter&);
+};
+
+bool coverrectangle(long long x, long long y, long long w, long long h, const testtarget& g, const painter& paint) {
+    for (long long py = std::max(y, 0LL); py < std::min(y + h, static_cast<long long>(g.t.height)); ++py)
+        for (long long px = std::max(x, 0LL); px < std::min(x + w, static_cast<long long>(g.t.width)); ++px)
+            paint(px, py);
+    return true;
+}
+
+bool coverline(const shape& s, const testtarget&, const painter& paint, bool masked) {
+    for (auto [x, y] : shapereference::linepoints(s.x, s.y, s.u, s.v))
+        if (!masked || s.mask->admits(x, y, s.maskx, s.masky)) paint(x, y);
+    return true;
+}
+
+const shapekind shapekinds[] = {
+    {"rectangle", true,
+     [](toolkit& t, const shape& s, uint32_t c, int m) { drawrectangle(t, s.x, s.y, s.u, s.v, c, m); },
+     [](const shape& s, const testtarget& g, const painter& p) { return coverrectangle(s.x, s.y, s.u, s.v, g, p); }},
+    {"row", true, [](toolkit& t, const shape& s, uint32_t c, int m) { drawrow(t, s.x, s.x + (s.u - 1LL), s.y, c, m); },
+     [](const shape& s, const testtarget& g, const painter& p) { return coverrectangle(s.x, s.y, s.u, 1, g, p); }},
+    {"column", true,
+     [](toolkit& t, const shape& s, uint32_t c, int m) { drawcolumn(t, s.x, s.y, s.y + (s.v - 1LL), c, m); },
+     [](const shape& s, const testtarget& g, const painter& p) { return coverrectangle(s.x, s.y, 1, s.v, g, p); }},
+    {"line", true, [](toolkit& t, const shape& s, uint32_t c, int m) { drawline(t, s.x, s.y, s.u, s.v, c, m); },
+     [](const shape& s, const testtarget& g, const painter& p) { return coverline(s, g, p, false); }},
+    {"masked line", true,
+     [](toolkit& t, const shape& s, uint32_t c, int m) {
+         drawmaskedline(t, s.x, s.y, s.u, s.v, c, m, s.mask->mask, s.maskx, s.masky);
+     },
+     [](const shape& s, const testtarget& g, const painter& p) { return coverline(s, g, p, true); }},
+    {"mask fill", false, [](toolkit& t, const shape& s, uint32_t c, int) { fillmask(t, c, s.mask->mask, s.x, s.y); },
+     [](const shape& s, const testtarget& g, const painter& paint) {
+         for (int y = 0; y < g.t.height; ++y)
+             for (int x = 0; x < g.t.width; ++x)
+                 if (s.mask->admits(x, y, s.x, s.y)) paint(x, y);
+         return true;
+     }},
+    {"disc", true, [](toolkit& t, const shape& s, uint32_t c, int m) { drawdisc(t, s.x, s.y, s.radius, s.z, c, m); },
+     [](const shape& s, const testtarget& g, const painter& paint) {
+         // The reference takes the radius one step at a time.
+         if (std::abs(static_cast<long long>(s.radius)) > 30000) return false;
+         for (const auto& span : shapereference::discspans(g.t.cliprect, s.x, s.y, s.radius))
+             for (long long x = span.from; x <= span.to; ++x) paint(x, span.row);
+         return true;
+     }},
+};
+
+bool shapes(fuzzcase& c) {
+    // The last kind, the disc, twice: the second time with depth.
+    const int kinds = static_cast<int>(std::size(shapekinds)), pick = c.below(kinds + 1);
+    const shapekind& kind = shapekinds[std::min(pick, kinds - 1)];
+    const bool depth = pick == kinds;
+    testtarget g(c.width(), 1 + c.below(21), depth);
+    fillrandom(g, c);
+    for (int i = 0; i < g.pixels(); ++i) g.depth[i] = static_cast<float>(c.below(4));
+    randomclip(g.t, c);
+    const int w = g.t.width, h = g.t.height;
+    testmask mask;
+    mask.randomise(c, 40, 2 * w);
+    shape s{c.coordinate(w), c.coordinate(h), c.coordinate(w), c.coordinate(h), 0, c.coordinate(w), c.coordinate(h),
+            static_cast<float>(c.below(3)), &mask};
+    s.radius = c.below(4) ? c.between(-3, 2 * std::max(w, h)) : c.onein(2) ? s.u : c.between(-20000, 20000);
+    if (s.radius > 1000 && c.onein(2)) {
+        // A large disc whose edge crosses the target, its first rows widening by thousands of steps.
+        double angle = c.real(0, 6.3f), reach = s.radius + c.between(-20, 20);
+        s.x = w / 2 + static_cast<int>(std::lround(std::cos(angle) * reach));
+        s.y = h / 2 + static_cast<int>(std::lround(std::sin(angle) * reach));
+    }
+    const uint32_t colour = c.pixel();
+    const int mode = kind.moded ? anymode(c) : replace;
+    c.note(kind.name, depth ? "at depth" : "", "on", w, h, "clip", g.t.cliprect[0], g.t.cliprect[1], g.t.cliprect[2],
+           g.t.cliprect[3], "at", s.x, s.y, "to", s.u, s.v, "radius", s.radius, "mode", mode, "mask at", s.maskx,
+           s.masky);
+
+    // Now and then the target has no colour buffer: nothing is drawn and no mode is looked at.
+    const bool bare = c.onein(32);
+    const std::vector<uint32_t> before(g.colour.get(), g.colour.get() + g.pixels());
+    std::vector<uint32_t> expected = before;
+    const bool valid = mode >= 0 && mode <= 2;
+    bool known = !valid || bare || kind.cover(s, g, [&](long long x, long long y) {
+        long long i = y * w + x;
+        if (g.insideclip(x, y) && (!depth || g.depth[i] > s.z)) expected[i] = ruledpixel(mode, expected[i], colour);
+    });
+    if (bare) g.t.colourbuffer = nullptr;
+    bool raised = raisesillegalargument([&] { kind.draw(g.t, s, colour, mode); });
+    EXPECT_FALSE(raised && (valid || bare)) << "raised for a valid mode or without a colour buffer";
+    EXPECT_TRUE(drewasexpected(g, before, expected, known));
+    return firstdifference(g, before) >= 0;
+}
+
+// Sprites at own size, tiled, scaled, scaled at a depth and through a span mask.
+enum class spritecall { single, tiled, scaled, atdepth, masked, count };
+
+bool sprites(fuzzcase& c) {
+    testtarget g(c.width() + c.below(8), 1 + c.below(24));
+    fillrandom(g, c);
+    for (int i = 0; i < g.pixels(); ++i) g.depth[i] = static_cast<float>(c.below(9));
+    randomclip(g.t, c);
+    if (c.onein(10)) narrowcliprect(g.t, c.coordinate(g.t.width), c.coordinate(g.t.height), c.coordinate(g.t.width),
+                                   c.coordinate(g.t.height));
+    const int width = g.t.width, height = g.t.height;
+    const int clip[4] = {g.t.cliprect[0], g.t.cliprect[1], g.t.cliprect[2], g.t.cliprect[3]};
+    const auto widths = runnablewidths();
+    const lanewidth lanes = widths[c.number % widths.size()];
+
+    // The image's last or first pixel touches an inaccessible page.
+    const int iw = c.onein(10) ? c.below(2) * 64 : c.width(), ih = c.onein(10) ? 0 : 1 + c.below(16);
+    const long pitch = iw + c.offset();
+    guarded<uint32_t> pixels(ih > 0 && iw > 0 ? (ih - 1) * pitch + iw : 0,
+                             c.below(2) ? placement::atstart : placement::atend);
+    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = c.pixel();
+    auto pad = [&] { return c.onein(32) ? c.between(-60, 60) : c.between(-2, 4); };
+    const spriteimage image{pixels.get(), iw, ih, pitch, pad(), pad(), pad(), pad()};
+    auto extent = [&](int size) {
+        return c.onein(16) ? c.between(INT_MIN, INT_MAX) : c.onein(16) ? c.between(-5, 0) : c.between(0, 3 * size + 10);
+    };
+    const auto call = static_cast<spritecall>(c.below(static_cast<int>(spritecall::count)));
+    // Positions mostly where some of the image meets the target.
+    const int x = c.onein(4) ? c.coordinate(width) : c.between(-iw - 4, width);
+    const int y = c.onein(4) ? c.coordinate(height) : c.between(-ih - 4, height);
+    const int w = extent(width), h = extent(height);
+    const int tint = c.onein(10) ? c.between(-2, 6) : c.below(5), blend = c.onein(10) ? c.between(-2, 4) : c.below(3);
+    const uint32_t colour = c.pixel();
+    const float z = static_cast<float>(c.between(-1, 9));
+    g.t.depthbuffer = c.below(2) ? g.depth.get() : nullptr;
+    testmask mask;
+    mask.randomise(c, 30, 50);
+    mask.mask.width = c.between(-5, 55);
+    mask.mask.height = c.between(-5, 35);
+    const int maskx = c.coordinate(width), masky = c.coordinate(height);
+    c.note("call", static_cast<int>(call), "on", width, height, "clip", clip[0], clip[1], clip[2], clip[3], "image", iw,
+           ih, pitch, "pads", image.padleft, image.padtop, image.padright, image.padbottom, "at", x, y, "size", w, h,
+           "tint", tint, "blend", blend, "z", z, "depth", g.t.depthbuffer != nullptr, "mask at", maskx, masky);
+
+    const std::vector<uint32_t> before(g.colour.get(), g.colour.get() + g.pixels());
+    const std::vector<float> depthbefore(g.depth.get(), g.depth.get() + g.pixels());
+    std::vector<uint32_t> expected = before;
+    spritereference::view v{expected.data(), nullptr, width, {clip[0], clip[1], clip[2], clip[3]}};
+    const bool bare = c.onein(32);  // no colour buffer: nothing is drawn
+    if (bare) g.t.colourbuffer = nullptr;
+    const bool valid = tint >= 0 && tint < 5 && blend >= 0 && blend < 3 && !bare;
+    const int fw = image.fullwidth(), fh = image.fullheight();
+    const bool ordinary = std::abs(x) < 1000 && std::abs(y) < 1000 && w >= 0 && h >= 0 && w < 1000 && h < 1000;
+    const long long repeats = fw > 0 && fh > 0 ? (w / fw + 1LL) * (h / fh + 1LL) : 0;
+    bool known = true;
+    auto draw = [&] {
+        switch (call) {
+            case spritecall::single: return drawsprite(g.t, image, x, y, tint, colour, blend, lanes);
+            case spritecall::tiled: return tilesprite(g.t, image, x, y, w, h, tint, colour, blend, lanes);
+            case spritecall::scaled: return drawscaled(g.t, image, x, y, w, h, tint, colour, blend, lanes);
+            case spritecall::atdepth: return drawscaledatdepth(g.t, image, x, y, z, w, h, tint, colour, blend, lanes);
+            default: return drawthroughmask(g.t, image, x, y, mask.mask, maskx, masky, lanes);
+        }
+    };
+    switch (call) {
+        case spritecall::single:
+            if (valid) spritereference::ownsize(v, image, x, y, tint, colour, blend);
+            break;
+        case spritecall::tiled:
+            // Every repeat in turn under the clip narrowed to the area, as the tiling is defined.
+            known = !valid || fw < 1 || fh < 1 || (ordinary && repeats < 5000);
+            if (valid && known && fw > 0 && fh > 0) {
+                spritereference::view area = v;
+                const int bounds[4] = {x, y, x + w, y + h};
+                for (int k = 0; k < 4; ++k)
+                    area.clip[k] = k < 2 ? std::max(clip[k], bounds[k]) : std::min(clip[k], bounds[k]);
+                for (long long j = 0; j * fh < h; ++j)
+                    for (long long i = 0; i * fw < w; ++i)
+                        spritereference::ownsize(area, image, x + i * fw, y + j * fh, tint, colour, blend);
+            }
+            break;
+        case spritecall::masked:
+            if (!bare) spritereference::throughmask(v, image, x, y, mask.mask, maskx, masky);
+            break;
+        default: {
+            known = !valid || (ordinary && iw > 0 && ih > 0 && fw > 0 && fh > 0);
+            const int pads[4] = {image.padleft, image.padtop, image.padright, image.padbottom};
+            v.depth = call == spritecall::atdepth ? g.t.depthbuffer : nullptr;
+            if (valid && known)
+                spritereference::scaled(v, pixels.get(), iw, ih, pitch, pads, x, y, w, h, tint, colour, blend, z);
+        }
+    }
+    // Between the image's rows lie other values, which a draw must not read.
+    auto fillgaps = [&](uint32_t value) {
+        for (int j = 0; iw > 0 && j + 1 < ih; ++j)
+            for (long i = iw; i < pitch; ++i) pixels[j * pitch + i] = value;
+    };
+    fillgaps(0);
+    draw();
+    EXPECT_TRUE(drewasexpected(g, before, expected, known));
+    EXPECT_TRUE(std::equal(depthbefore.begin(), depthbefore.end(), g.depth.get())) << "depth written";
+    EXPECT_TRUE(std::equal(clip, clip + 4, g.t.cliprect)) << "clip not restored";
+    // The same draw with other values between the rows gives the same pixels, also where the
+    // reference cannot follow.
+    const std::vector<uint32_t> after(g.colour.get(), g.colour.get() + g.pixels());
+    std::copy(before.begin(), before.end(), g.colour.get());
+    fillgaps(0xFFFFFFFF);
+    draw();
+    EXPECT_EQ(firstdifference(g, after), -1) << "read between the image's rows";
+    return after != before;
+}
+
+// Corners mostly near the target, sometimes far or at the edge of what a float holds, and shapes
+// that are degenerate, thinner than a pixel, or rectangles turned at any angle.
+float turnedcoordinate(testrng& r) {
+    switch (r.below(30)) {
+        case 0: return r.real(-1e7f, 1e7f);
+        case 1: return (r.below(2) ? 1 : -1) * std::ldexp(r.real(1, 2), r.between(20, 127));
+        case 2: case 3: case 4: return static_cast<float>(r.between(-3, 50));
+        default: return r.real(-10, 45);
+    }
+}
+
+corners turnedshape(testrng& r) {
+    corners c{turnedcoordinate(r), turnedcoordinate(r), turnedcoordinate(r),
+              turnedcoordinate(r), turnedcoordinate(r), turnedcoordinate(r)};
+    switch (r.below(10)) {
+        case 0: {  // the three corners on one line
+            float t = r.real(-2, 2);
+            c.x2 = c.x0 + t * (c.x1 - c.x0), c.y2 = c.y0 + t * (c.y1 - c.y0);
+            break;
+        }
+        case 1: c.x2 = c.x0 + r.real(-0.9f, 0.9f), c.y2 = c.y0 + r.real(-0.9f, 0.9f); break;
+        case 2: c.x1 = c.x2 = c.x0, c.y1 = c.y2 = c.y0; break;
+        case 3: case 4: case 5: {  // turned, scaled, maybe flipped or made thin
+            float a = r.real(0, 6.3f), sx = r.real(-40, 40), sy = r.real(-40, 40) * (r.onein(6) ? 0.02f : 1);
+            if (r.onein(3)) c.x0 = std::round(c.x0), c.y0 = std::round(c.y0);
+            c.x1 = c.x0 + std::cos(a) * sx, c.y1 = c.y0 + std::sin(a) * sx;
+            c.x2 = c.x0 - std::sin(a) * sy, c.y2 = c.y0 + std::cos(a) * sy;
+            break;
+        }
+        default: break;
+    }
+    return c;
+}
+
+// Sprites onto parallelograms, with and without a mask, from fenced sprites or from the target
+// itself, against the pixel-by-pixel walk.
+bool turned(fuzzcase& c) {
+    auto size = [&] { return c.onein(10) ? 1 + c.below(7) : c.between(8, 40); };
+    const int width = size(), height = size();
+    testtarget g(width, height);
+    fillrandom(g, c);
+    if (c.onein(6)) randomclip(g.t, c);
+    else clampcliprect(g.t, c.between(-5, 6), c.between(-5, 6), c.between(10, 45), c.between(10, 45));
+    auto pad = [&] {
+        int pick = c.below(40);
+        if (pick < 2) return pick ? c.between(-1000, 1000) : c.between(INT_MIN, INT_MAX);
+        return pick < 7 ? c.between(-8, 8) : 0;
+    };
+    const int w = c.onein(4) ? 0 : c.between(1, 20), h = c.onein(4) ? 0 : c.between(1, 20);
+    guarded<uint32_t> pixels(size_t(w) * h, c.below(2) ? placement::atstart : placement::atend);
+    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = c();
+    spriteimage image{pixels.get(), w, h, w, pad(), pad(), pad(), pad()};
+    const corners shape = turnedshape(c);
+
+    const std::vector<uint32_t> before(g.colour.get(), g.colour.get() + g.pixels());
+    std::vector<uint32_t> expected = before;
+    // Sometimes the target is its own sprite: each pixel is then written before the next is read.
+    spriteimage sampled = image;
+    if (c.onein(10)) {
+        image = {g.colour.get(), width, height, width, 0, 0, 0, 0};
+        sampled = {expected.data(), width, height, width, 0, 0, 0, 0};
+    }
+    parallelogram p;
+    const bool placed = placeparallelogram(image, shape, g.t.cliprect, width, p);
+    c.note("on", width, height, "sprite", w, h, "pads", image.padleft, image.padtop, image.padright, image.padbottom,
+           "corners", shape.x0, shape.y0, shape.x1, shape.y1, shape.x2, shape.y2);
+    if (c.below(2)) {
+        const int tint = c.onein(20) ? c.between(-1, 5) : c.below(5);
+        const int blend = c.onein(20) ? c.between(-1, 3) : c.below(3);
+        const uint32_t tone = c();
+        if (placed && tint >= 0 && tint < 5 && blend >= 0 && blend < 3)
+            turnedreference::walk(p, sampled, expected.data(), width, tint, tone, blend);
+        drawturned(g.t, image, shape, tint, tone, blend);
+    } else {
+        const int rows = c.below(51);
+        guarded<int> offsets(rows), widths(rows);
+        for (int r = 0; r < rows; ++r) offsets[r] = c.coordinate(width) / 2, widths[r] = c.coordinate(width);
+        const int maskx = c.coordinate(width) / 2, masky = c.coordinate(height) / 4;
+        const bool opaque = c.below(2);
+        turnedreference::mask m{offsets.get(), widths.get(), rows, maskx, masky};
+        if (placed) turnedreference::walk(p, sampled, expected.data(), width, 1, 0, opaque ? replace : blend, &m);
+        drawturnedmasked(g.t, image, shape, {offsets.get(), widths.get(), rows}, maskx, masky, opaque);
+        EXPECT_TRUE(offsets.intact() && widths.intact()) << "wrote into the mask";
+    }
+    EXPECT_TRUE(pixels.intact()) << "wrote into the sprite";
+    EXPECT_TRUE(drewasexpected(g, before, expected, true));
+    return firstdifference(g, before) >= 0;
+}
+
+// Fonts of random glyphs, bytes biased to 0 and 255; now and then a glyph short of bytes, empty
+// or of negative size, or a table a glyph short, which leaves that glyph out.
+glyphreference::font randomfont(testrng& r) {
+    glyphreference::font f;
+    for (int i = 0, count = 1 + r.below(5); i < count; ++i) {
+        int w = 1 + r.below(13), h = 1 + r.below(13);
+        if (r.onein(16)) w = r.below(2) ? 0 : -w;
+        if (r.onein(16)) h = r.below(2) ? 0 : -h;
+        std::vector<uint8_t> bytes(static_cast<size_t>(std::max(w, 0) * std::max(h, 0)));
+        for (auto& b : bytes) b = r.byte();
+        if (!bytes.empty() && r.onein(16)) bytes.pop_back();
+        f.glyphs.push_back(bytes);
+        f.widths.push_back(w);
+        f.heights.push_back(h);
+        f.tops.push_back(r.between(-6, 6));
+        f.lefts.push_back(r.between(-6, 6));
+    }
+    if (r.onein(8)) (r.below(2) ? f.tops : f.widths).pop_back();
+    if (!r.onein(8)) {
+        f.palette.resize(256);
+        for (auto& p : f.palette) p = r.pixel();
+    }
+    return f;
+}
+
+// Every entry of the three font classes, eight draws to a case.
+bool fonts(fuzzcase& c) {
+    int w = 1 + c.below(40), h = 1 + c.below(30);
+    if (!c.onein(4)) w = std::max(w, 12), h = std::max(h, 12);
+    fontscene s(w, h, randomfont(c));
+    fillrandom(s.target, c);
+    const std::vector<uint32_t> before(s.target.colour.get(), s.target.colour.get() + s.target.pixels());
+    testmask mask;
+    for (int draw = 0; draw < 8; ++draw) {
+        randomclip(s.target.t, c);
+        auto kind = static_cast<fontkind>(c.below(3));
+        auto e = static_cast<glyphreference::entry>(c.below(3));
+        const int count = static_cast<int>(s.reference.glyphs.size());
+        int index = c.onein(8) ? c.between(-2, count + 1) : c.below(count);
+        if (c.onein(4)) index += 65536 * c.below(3);
+        const uint32_t colour = c.pixel();
+        const bool mono = c.below(2);
+        const int x = c.coordinate(w), y = c.coordinate(h);
+        const spanmask* m = nullptr;
+        if (e == glyphreference::entry::masked && !c.onein(8)) {
+            mask.randomise(c, h + 4, w + 4);
+            m = &mask.mask;
+        }
+        const int maskx = c.between(-8, w + 1), masky = c.between(-8, h + 1);
+        c.note("draw", draw, "kind", static_cast<int>(kind), "entry", static_cast<int>(e), "glyph", index, "at", x, y,
+               "colour", colour, "mono", mono, "mask at", maskx, masky);
+        EXPECT_TRUE(s.same(kind, e, index, x, y, colour, mono, m, maskx, masky)) << "draw " << draw;
+        if (::testing::Test::HasFailure()) break;
+    }
+    return firstdifference(s.target, before) >= 0;
+}
+
+const fuzzfamily families[] = {
+    {"shapes", 100000, shapes},
+    {"sprites", 60000, sprites},
+    {"turned", 8000, turned},
+    {"fonts", 1500, fonts},
+};
+
+class fuzz : public ::testing::TestWithParam<fuzzfamily> {};
+
+TEST_P(fuzz, drawsmatchtheirreferencesinsidethefences) { runfuzz(GetParam()); }
+
+INSTANTIATE_TEST_SUITE_P(all, fuzz, ::testing::ValuesIn(families),
+                         [](const ::testing::TestParamInfo<fuzzfamily>& info) { return std::string(info.param.name); });
+
+}  // namespace
