@@ -69,8 +69,8 @@ inline void spanrow(const spanmember& m, const rasterspan& s, int y) {
         z[j] = zfirst + static_cast<float>(j) * dz;
         if (j >= 2) u[j] = u[j - 2] + 2.0f * du, v[j] = v[j - 2] + 2.0f * dv;
         for (int c = 0; c < 8; ++c) {
-            const float l = (c < 4 ? s.modulate : s.addcolour)[c % 4],
-                        d = ((c < 4 ? s.modulate : s.addcolour)[c % 4 + 4] - l) * inv;
+            const uint16_t* set = c < 4 ? &s.modulate[0] : &s.addcolour[0];
+            const float l = set[c % 4], d = (set[c % 4 + 4] - l) * inv;
             dc[c] = saturate16(trunc(d));
             lane[j][c] = static_cast<uint16_t>(startlane(l + skip * d) + (j - b) * dc[c]);
         }
@@ -174,11 +174,11 @@ inline void triangle(const trianglemember& m, const rastertriangle& t) {
             s.uv[2 * side + i] = value[from][2 + i] + static_cast<float>(skip) * step[e][2 + i];
             s.edgestep[2 * side + i] = step[e][i], s.uvstep[2 * side + i] = step[e][2 + i];
         }
-        for (int c = 0; c < 8; ++c) {
-            const int16_t d = saturate16(trunc(step[e][4 + c]));
-            (c < 4 ? s.modulatestep : s.addcolourstep)[4 * side + c % 4] = d;
-            (c < 4 ? s.modulate : s.addcolour)[4 * side + c % 4] =
-                static_cast<uint16_t>(startlane(value[from][4 + c]) + static_cast<int16_t>(skip) * d);
+        for (int ch = 0; ch < 4; ++ch) {
+            const int16_t dm = saturate16(trunc(step[e][4 + ch])), da = saturate16(trunc(step[e][8 + ch]));
+            s.modulatestep[4 * side + ch] = dm, s.addcolourstep[4 * side + ch] = da;
+            s.modulate[4 * side + ch] = static_cast<uint16_t>(startlane(value[from][4 + ch]) + int16_t(skip) * dm);
+            s.addcolour[4 * side + ch] = static_cast<uint16_t>(startlane(value[from][8 + ch]) + int16_t(skip) * da);
         }
     };
     const long long bottom = std::min(static_cast<long long>(r.viewport[1]) + r.viewport[3],
