@@ -10,8 +10,15 @@
 
 namespace {
 
-std::vector<std::pair<std::string, std::string>>& comparisons() {
-    static std::vector<std::pair<std::string, std::string>> list;
+using pairs = std::vector<std::pair<std::string, std::string>>;
+
+pairs& comparisons() {
+    static pairs list;
+    return list;
+}
+
+pairs& shares() {
+    static pairs list;
     return list;
 }
 
@@ -30,20 +37,30 @@ public:
     }
     void Finalize() override {
         ConsoleReporter::Finalize();
-        printf("\n%-44s %-32s %s\n", "ours", "peer", "speed ratio (peer time / our time)");
-        for (auto& [ours, peer] : comparisons()) {
-            if (!times.count(ours) || !times.count(peer)) continue;
-            printf("%-44s %-32s %.3f\n", ours.c_str(), peer.c_str(), times[peer] / times[ours]);
-        }
+        table(comparisons(), "ours", "peer", "speed ratio (peer time / our time)", false);
+        table(shares(), "part", "whole", "share of the whole's time", true);
     }
 
 private:
     std::map<std::string, double> times;
+
+    // One line a pair that both ran: the second's time over the first's, or inverted.
+    void table(const pairs& list, const char* first, const char* second, const char* what, bool inverted) {
+        if (list.empty()) return;
+        printf("\n%-44s %-32s %s\n", first, second, what);
+        for (auto& [a, b] : list) {
+            if (!times.count(a) || !times.count(b)) continue;
+            double ratio = inverted ? times[a] / times[b] : times[b] / times[a];
+            printf("%-44s %-32s %.3f\n", a.c_str(), b.c_str(), ratio);
+        }
+    }
 };
 
 }  // namespace
 
 void compareto(const char* ours, const char* peer) { comparisons().emplace_back(ours, peer); }
+
+void shareof(const char* part, const char* whole) { shares().emplace_back(part, whole); }
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);

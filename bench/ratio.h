@@ -3,3 +3,7 @@
 #pragma once
 
 void compareto(const char* ours, const char* peer);
+
+// A benchmark that does part of another's work (the same draws cut short), reported at the end
+// as the share of the whole one's time that the part takes.
+void shareof(const char* part, const char* whole);

@@ -5,14 +5,15 @@
 #include <pixman.h>
 
 #include <cstdlib>
+#include <iterator>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "ratio.h"
 #include "sprite/drawscaled.h"
 #include "sprite/drawsprite.h"
-#include "sprite/spriterows.h"
-#include "toolkit/blend.h"
+#include "sprite/rules.h"
 
 namespace {
 
@@ -53,10 +54,27 @@ struct scene {
     spriteimage image() const { return {straight.data(), side, side, side, 0, 0, 0, 0}; }
 };
 
-void ownsize(benchmark::State& state, int blend) {
+// The plain members under each write rule; the other tints cost about the same.
+constexpr auto plainrules = slice<spriterules, tintmode, tintmode::plain>();
+
+// pixman's operator for each write rule, in the order of `blendmode`.
+struct peer {
+    const char* name;
+    pixman_op_t op;
+};
+constexpr peer peers[] = {
+    {"pixman/src", PIXMAN_OP_SRC}, {"pixman/over", PIXMAN_OP_OVER}, {"pixman/add", PIXMAN_OP_ADD}};
+static_assert(std::size(peers) == axiscount<blendmode>);
+
+// "family/member/width".
+std::string benchname(const char* family, pixelrule rule, lanewidth lanes) {
+    return std::string(family) + "/" + rule.name() + "/" + std::string(axisname(lanes));
+}
+
+void ownsize(benchmark::State& state, pixelrule rule, lanewidth lanes) {
     scene s;
     for (auto _ : state) {
-        drawsprite(s.t, s.image(), 10, 10, 1, 0, blend);
+        drawsprite(s.t, s.image(), 10, 10, int(rule.get<tintmode>()), 0, rule.get<blendmode>(), lanes);
         benchmark::ClobberMemory();
     }
     state.SetItemsProcessed(state.iterations() * side * side);
@@ -71,47 +89,36 @@ void pixmanownsize(benchmark::State& state, pixman_op_t op) {
     state.SetItemsProcessed(state.iterations() * side * side);
 }
 
-// The same draws held to four pixels per pass, as on processors without AVX2.
-struct narrowonly {
-    const rowtables* saved = spriterowtables;
-    narrowonly() { spriterowtables = &narrowrows; }
-    ~narrowonly() { spriterowtables = saved; }
-};
-
-void BM_spritealpha(benchmark::State& state) { ownsize(state, blend); }
-void BM_spritealphanarrow(benchmark::State& state) {
-    narrowonly n;
-    ownsize(state, blend);
-}
-void BM_spriteadditive(benchmark::State& state) { ownsize(state, add); }
-void BM_spritestore(benchmark::State& state) { ownsize(state, replace); }
-void BM_pixmanover(benchmark::State& state) { pixmanownsize(state, PIXMAN_OP_OVER); }
-void BM_pixmanadd(benchmark::State& state) { pixmanownsize(state, PIXMAN_OP_ADD); }
-void BM_pixmansrc(benchmark::State& state) { pixmanownsize(state, PIXMAN_OP_SRC); }
-BENCHMARK(BM_spritealpha);
-BENCHMARK(BM_spritealphanarrow);
-BENCHMARK(BM_pixmanover);
-BENCHMARK(BM_spriteadditive);
-BENCHMARK(BM_pixmanadd);
-BENCHMARK(BM_spritestore);
-BENCHMARK(BM_pixmansrc);
-
-void scaled(benchmark::State& state) {
+void scaled(benchmark::State& state, pixelrule rule, lanewidth lanes) {
     scene s;
     for (auto _ : state) {
-        drawscaled(s.t, s.image(), 10, 10, scaledwidth, scaledheight, 1, 0, blend);
+        drawscaled(s.t, s.image(), 10, 10, scaledwidth, scaledheight, int(rule.get<tintmode>()), 0,
+                   rule.get<blendmode>(), lanes);
         benchmark::ClobberMemory();
     }
     state.SetItemsProcessed(state.iterations() * scaledwidth * scaledheight);
 }
 
-void BM_spritescaledalpha(benchmark::State& state) { scaled(state); }
-void BM_spritescaledalphanarrow(benchmark::State& state) {
-    narrowonly n;
-    scaled(state);
-}
-BENCHMARK(BM_spritescaledalpha);
-BENCHMARK(BM_spritescaledalphanarrow);
+// Each plain member at every lane width this processor runs (four, as on processors without
+// AVX2, and eight where it can), named by member and width, beside pixman's operator.
+[[maybe_unused]] const bool registered = [] {
+    for (pixelrule rule : plainrules) {
+        const peer& p = peers[rule.get<blendmode>()];
+        for (lanewidth lanes : runnablewidths()) {
+            std::string ours = benchname("sprite", rule, lanes);
+            benchmark::RegisterBenchmark(ours.c_str(), ownsize, rule, lanes);
+            compareto(ours.c_str(), p.name);
+        }
+        benchmark::RegisterBenchmark(p.name, pixmanownsize, p.op);
+    }
+    constexpr pixelrule alpha(tintmode::plain, blend);
+    for (lanewidth lanes : runnablewidths()) {
+        std::string ours = benchname("spritescaled", alpha, lanes);
+        benchmark::RegisterBenchmark(ours.c_str(), scaled, alpha, lanes);
+        compareto(ours.c_str(), "BM_pixmanscaledover");
+    }
+    return true;
+}();
 
 void BM_pixmanscaledover(benchmark::State& state) {
     scene s;
@@ -128,15 +135,5 @@ void BM_pixmanscaledover(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * scaledwidth * scaledheight);
 }
 BENCHMARK(BM_pixmanscaledover);
-
-[[maybe_unused]] const bool compared = [] {
-    compareto("BM_spritealpha", "BM_pixmanover");
-    compareto("BM_spritealphanarrow", "BM_pixmanover");
-    compareto("BM_spriteadditive", "BM_pixmanadd");
-    compareto("BM_spritestore", "BM_pixmansrc");
-    compareto("BM_spritescaledalpha", "BM_pixmanscaledover");
-    compareto("BM_spritescaledalphanarrow", "BM_pixmanscaledover");
-    return true;
-}();
 
 }  // namespace

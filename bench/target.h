@@ -1,4 +1,5 @@
-// A 1024x768 target with a colour and a depth buffer, both cleared, for the benchmarks.
+// A 1024x768 target with a colour and a depth buffer, both cleared, for the benchmarks; the
+// rasterisers draw into it, over a depth range of 0 to 1.
 #pragma once
 #include <cstdlib>
 #include <cstring>
@@ -16,6 +17,10 @@ struct benchtarget {
         memset(t.colourbuffer, 0, width * height * 4);
         memset(t.depthbuffer, 0, width * height * 4);
         setcliprect(t, 0, 0, width, height);
+        rasterstate.targetcolour = t.colourbuffer;
+        rasterstate.targetdepth = t.depthbuffer;
+        rasterstate.targetstride = width;
+        setviewport(0, 0, width, height, 0.0f, 1.0f);
     }
     ~benchtarget() {
         free(t.colourbuffer);

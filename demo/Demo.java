@@ -192,6 +192,74 @@ public class Demo {
         ball.FA(ball.nativeid, 780, 420, 940, 440, 760, 600, 0, mask.nativeid, 800, 450, false);
     }
 
+    // A colour of the hue wheel, i of n, fully opaque.
+    static int hue(int i, int n) {
+        return 0xFF000000 | java.awt.Color.HSBtoRGB(i / (float) n, 0.8f, 1f) & 0xFFFFFF;
+    }
+
+    // Gouraud triangles round a white centre, and a star of thick lines of growing width.
+    void trianglesandlines(a client) {
+        int cx = 840, cy = 635, n = 12;
+        for (int i = 0; i < n; ++i) {
+            double a0 = i * 2 * Math.PI / n, a1 = (i + 1) * 2 * Math.PI / n;
+            client.ra(client.nativeid, cx, cy, (float) (cx + 75 * Math.cos(a0)), (float) (cy + 75 * Math.sin(a0)),
+                      (float) (cx + 75 * Math.cos(a1)), (float) (cy + 75 * Math.sin(a1)), 0xFFFFFFFF, hue(i, n),
+                      hue(i + 1, n));
+        }
+        for (int i = 0; i < 10; ++i) {
+            double a = i * Math.PI / 5 + 0.2;
+            client.K(client.nativeid, 0, 890, 320, 890 + (int) (60 * Math.cos(a)), 320 + (int) (60 * Math.sin(a)),
+                     hue(i, 10), 1 + i, 0);
+        }
+    }
+
+    // The host's textures, given from within the library's callback the first time a draw needs
+    // one: 1 a soft white glow (blended by its alpha), 2 a star (its empty texels skipped), 3 an
+    // opaque checkerboard that repeats.
+    static final class host extends ja {
+        @Override
+        public boolean SA(short id) {
+            int[] p = new int[128 * 128];
+            for (int y = 0; y < 128; ++y)
+                for (int x = 0; x < 128; ++x) {
+                    double dx = (x - 63.5) / 64, dy = (y - 63.5) / 64, r = Math.hypot(dx, dy);
+                    int v;
+                    if (id == 1) v = (int) (255 * Math.max(0, 1 - r) * Math.max(0, 1 - r)) << 24 | 0xFFFFFF;
+                    else if (id == 2) v = r < 0.25 + 0.7 * Math.pow(Math.abs(Math.cos(2.5 * Math.atan2(dy, dx))), 8) ? 0xFFFFFFFF : 0;
+                    else v = ((x >> 4) + (y >> 4)) % 2 == 0 ? 0xFFFFFFFF : 0xFF404040;
+                    p[y * 128 + x] = v;
+                }
+            F(id, p, 0, id == 1 ? 2 : id == 2 ? 1 : 0, 0, 0, 0, false, 0, 0, 0, 0, false, false, false, id == 3, id == 3,
+              0, false, false, 0);
+            return true;
+        }
+    }
+
+    // A helix of particles seen in perspective through a viewport of its own: blended discs, glows,
+    // stars and a few checkered squares.
+    void particles(a client) {
+        tk.GA(0f, 1f);
+        tk.A(0, 590, 420, 125);
+        float near = 1f, far = 200f, f = 1.6f, aspect = 420f / 125f;
+        tk.wa(new float[] {f / aspect, 0, 0, 0, 0, f, 0, 0, 0, 0, (far + near) / (far - near), 1, 0, 0,
+                           -2 * far * near / (far - near), 0});
+        tk.AA(new float[] {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1});
+        int n = 120;
+        int[] positions = new int[3 * n], colours = new int[n], sizes = new int[n];
+        short[] textures = new short[n];
+        for (int i = 0; i < n; ++i) {
+            double a = i * 0.3;
+            positions[3 * i] = (int) ((Math.cos(a) * 16 + (i - n / 2) * 1.3) * 4096);
+            positions[3 * i + 1] = (int) ((Math.sin(a) * 11 + 9 * Math.sin(i * 0.05)) * 4096);
+            positions[3 * i + 2] = (int) ((48 + Math.sin(a) * 14) * 4096);
+            colours[i] = hue(i, n) & 0xFFFFFF | (i % 4 == 0 ? 0xA0000000 : 0xFF000000);
+            sizes[i] = 2048 * (3 + i % 3);
+            textures[i] = (short) (i % 15 == 7 ? 3 : i % 4 == 0 ? -1 : i % 4 == 1 ? 2 : 1);
+        }
+        client.b(client.nativeid, 0, positions, colours, sizes, textures, n);
+        tk.k();
+    }
+
     void testcard() {
         rectangles();
         fa ball = sprite(tk, ball(32), 32);
@@ -200,6 +268,11 @@ public class Demo {
         shapes(mask);
         text(textmask);
         turned(ball, mask);
+        a client = new a();
+        client.ha(0, 0, 0, 0, 0);
+        particles(client);
+        trianglesandlines(client);
+        client.R(client.nativeid, 0);
         mask.ma(0);
         textmask.ma(0);
         ball.M(ball.nativeid);
@@ -219,8 +292,8 @@ public class Demo {
             frame.pack();
             frame.setVisible(true);
         }
-        ja tk = new ja();
-        tk.q(null, 0, 0);
+        ja tk = new host();
+        tk.q(tk, 4, 0);
         za canvas = new za();
         canvas.n(null, component, WIDTH, HEIGHT);
         tk.PA(canvas);

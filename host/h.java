@@ -1,8 +1,46 @@
-// Host class of the native library; its peer's address lives in nativeid.
+// A 3D model in native memory. Its peer's address lives in nativeid.
 public class h {
     static {
         System.loadLibrary("wexel");
     }
 
     public long nativeid;
+
+    // Life and function mask
+    public native void ba(Object unused);
+    public native void ma(Object unused);
+    public native int m();
+    public native void KA(int newmask);
+
+    // Construction from the host's decoded arrays
+    public native void U(Object unused, ba pool, int vertexcount, int usedvertexcount, int[] x, int[] y, int[] z,
+            int[] vertexgroupids, short[] vertexmasks, int facecount, short[] a, short[] b, short[] c, byte[] types,
+            byte[] priorities, byte[] alphas, byte[] mappings, short[] colours, short[] textures, int[] facegroupids,
+            byte renderorder, short[] facemasks, int mappingcount, byte[] maptype, short[] mapp, short[] mapm,
+            short[] mapn, int[] mapscalex, int[] mapscaley, int[] mapscalez, byte[] maprotation, byte[] mapdirection,
+            int[] mapshift0, int[] mapshift1, int[] mapshift2, int[] markers, int markertriangles, int markerpoints,
+            int functionmask, int modelflags, int ambient, int contrast, int[] billboardints);
+
+    // Bounds and flags
+    public native int N();
+    public native int n();
+    public native int RA();
+    public native int ya();
+    public native int YA();
+    public native int o();
+    public native int AA();
+    public native int ha();
+    public native boolean i();
+    public native boolean u();
+    public native Object LA(float[] values);
+
+    // Colours
+    public native void p(int ambient);
+    public native int c();
+    public native void Q(int contrast);
+    public native int Z();
+    public native void ka();
+    public native void X(short from, short to);
+    public native void W(short from, short to);
+    public native void PA(int hue, int saturation, int lightness, int amount);
 }

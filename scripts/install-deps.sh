@@ -8,7 +8,7 @@ packages=(
   libgtest-dev libbenchmark-dev
   junit5
   libx11-dev xvfb x11-utils
-  libpixman-1-dev
+  libpixman-1-dev libosmesa6-dev
   uuid-dev lldb
 )
 missing=()

@@ -18,6 +18,7 @@ struct floats4 {
     WEXEL_LANES type set(float v) { return _mm_set1_ps(v); }
     WEXEL_LANES type setr(float a, float b, float c, float d) { return _mm_setr_ps(a, b, c, d); }
     WEXEL_LANES type zero() { return _mm_setzero_ps(); }
+    WEXEL_LANES type widen(__m128 v) { return v; }  // a constant of one group, in every group
 
     WEXEL_LANES type add(type a, type b) { return _mm_add_ps(a, b); }
     WEXEL_LANES type sub(type a, type b) { return _mm_sub_ps(a, b); }

@@ -29,10 +29,17 @@ constexpr int axisposition() {
     return -1;
 }
 
+// A raw value of axis E, as a host passes it.
+template <class E>
+using selector = int;
+
 // One member: a value on each axis. It is a structural type, so a member is itself the template
 // argument of its function.
 template <class... A>
 struct variant {
+    static constexpr std::array<int, sizeof...(A)> counts{axiscount<A>...};
+    static constexpr int combinations = (axiscount<A> * ...);
+
     std::array<int, sizeof...(A)> values{};
 
     constexpr variant() = default;
@@ -51,11 +58,29 @@ struct variant {
     }
     constexpr bool operator==(const variant&) const = default;
 
-    // The value names joined by dots, axes in their order: "multiply.blend".
-    std::string name() const {
+    // The place of the combination of these values among all combinations, the first axis
+    // outermost, or -1 when a value lies outside its axis: raw selectors as a host passes them.
+    static constexpr int combinationof(selector<A>... v) {
+        const int value[] = {v...};
+        int place = 0;
+        for (size_t i = 0; i < sizeof...(A); ++i) {
+            if (value[i] < 0 || value[i] >= counts[i]) return -1;
+            place = place * counts[i] + value[i];
+        }
+        return place;
+    }
+    constexpr int combination() const {
+        return [this]<size_t... I>(std::index_sequence<I...>) {
+            return combinationof(values[I]...);
+        }(std::make_index_sequence<sizeof...(A)>{});
+    }
+
+    // The value names joined by the separator, axes in their order: "multiply.blend". Test
+    // frameworks that allow only letters, digits and '_' in a name take '_'.
+    std::string name(char separator = '.') const {
         std::string s;
         size_t i = 0;
-        ((s += (i ? "." : ""), s += axisname(A(values[i])), ++i), ...);
+        ((s += i ? std::string(1, separator) : "", s += axisname(A(values[i])), ++i), ...);
         return s;
     }
 };
@@ -63,16 +88,14 @@ struct variant {
 // Every combination of the axes, the first axis outermost.
 template <class... A>
 constexpr auto allcombinations() {
-    constexpr size_t count = (size_t(axiscount<A>) * ...);
-    std::array<variant<A...>, count> list{};
-    for (size_t i = 0; i < count; ++i) {
+    std::array<variant<A...>, variant<A...>::combinations> list{};
+    for (size_t i = 0; i < list.size(); ++i) {
         size_t rest = i;
         size_t axis = sizeof...(A);
         // The last axis varies fastest.
-        constexpr std::array<int, sizeof...(A)> counts{axiscount<A>...};
         while (axis-- > 0) {
-            list[i].values[axis] = int(rest % size_t(counts[axis]));
-            rest /= size_t(counts[axis]);
+            list[i].values[axis] = int(rest % size_t(variant<A...>::counts[axis]));
+            rest /= size_t(variant<A...>::counts[axis]);
         }
     }
     return list;
@@ -109,4 +132,24 @@ constexpr auto dispatchtable(Make make) {
     return [&]<size_t... I>(std::index_sequence<I...>) {
         return std::array{make.template operator()<list[I]>()...};
     }(std::make_index_sequence<list.size()>{});
+}
+
+// For each combination of the axes, its member's position in `list`, or -1.
+template <const auto& list>
+inline constexpr auto positions = [] {
+    using member = std::remove_cvref_t<decltype(list[0])>;
+    std::array<int, member::combinations> at{};
+    at.fill(-1);
+    for (size_t i = 0; i < list.size(); ++i) at[size_t(list[i].combination())] = int(i);
+    return at;
+}();
+
+// The position in `list` of the member that raw selectors name, one int per axis in the axes'
+// order, or -1 when a value lies outside its axis or the combination is not a member: a draw
+// chooses its member once with this, and draws nothing on -1.
+template <const auto& list, class... I>
+constexpr int selectindex(I... values) {
+    using member = std::remove_cvref_t<decltype(list[0])>;
+    int c = member::combinationof(int(values)...);
+    return c < 0 ? -1 : positions<list>[size_t(c)];
 }

@@ -52,21 +52,21 @@ struct placement : scaledrows {
 }  // namespace
 
 void drawscaled(const toolkit& t, const spriteimage& image, int x, int y, int w, int h, int tint, uint32_t colour,
-                int blend) {
-    int rule = ruleindex(tint, blend);
+                int blend, lanewidth lanes) {
+    int rule = selectindex<spriterules>(tint, blend);
     placement p;
     if (!t.colourbuffer || rule < 0 || !p.place(t, image, x, y, w, h)) return;
-    rowsfor(t, image).scaled[rule](p, tintconstants(colour));
+    rowsfor(t, image, lanes).scaled[rule](p, tintconstants(colour));
 }
 
 void drawscaledatdepth(const toolkit& t, const spriteimage& image, int x, int y, float z, int w, int h, int tint,
-                       uint32_t colour, int blend) {
-    if (!t.depthbuffer) return drawscaled(t, image, x, y, w, h, tint, colour, blend);
-    int rule = ruleindex(tint, blend);
+                       uint32_t colour, int blend, lanewidth lanes) {
+    if (!t.depthbuffer) return drawscaled(t, image, x, y, w, h, tint, colour, blend, lanes);
+    int rule = selectindex<spriterules>(tint, blend);
     placement p;
     if (!t.colourbuffer || rule < 0 || !p.place(t, image, x, y, w, h)) return;
     p.z = z;
-    rowsfor(t, image).scaledwithdepth[rule](p, tintconstants(colour));
+    rowsfor(t, image, lanes).scaledwithdepth[rule](p, tintconstants(colour));
 }
 
 extern "C" {
@@ -74,7 +74,8 @@ extern "C" {
 JNIEXPORT void JNICALL Java_fa_ha(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint w, jint h, jint tint,
                                   jint colour, jint blend) {
     runexport(env, [&] {
-        drawscaled(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour), blend);
+        drawscaled(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour),
+                   blend, widestlanes());
     });
 }
 
@@ -83,7 +84,7 @@ JNIEXPORT void JNICALL Java_fa_G(JNIEnv* env, jobject, jlong handle, jint x, jin
                                  jint tint, jint colour, jint blend) {
     runexport(env, [&] {
         drawscaledatdepth(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, static_cast<float>(z), w, h, tint,
-                          static_cast<uint32_t>(colour), blend);
+                          static_cast<uint32_t>(colour), blend, widestlanes());
     });
 }
 

@@ -40,28 +40,30 @@ struct ownsizeclip {
 };
 
 // One repeat of a valid selection, its corner at (x, y).
-void drawat(const toolkit& t, const spriteimage& image, int64 x, int64 y, int rule, const tintconstants& k) {
+void drawat(const toolkit& t, const spriteimage& image, int64 x, int64 y, int rule, const tintconstants& k,
+            lanewidth lanes) {
     const int* clip = t.cliprect;
     ownsizeclip c(image, x, y, clip[0], clip[1], clip[2], clip[3]);
     if (c.empty()) return;
-    rowsfor(t, image).ownsize[rule](t.colourbuffer + c.sy * t.width + c.sx, t.width, c.source, image.pitch,
+    rowsfor(t, image, lanes).ownsize[rule](t.colourbuffer + c.sy * t.width + c.sx, t.width, c.source, image.pitch,
                                    static_cast<int>(c.n), static_cast<int>(c.rows), k);
 }
 
 }  // namespace
 
-void drawsprite(const toolkit& t, const spriteimage& image, int x, int y, int tint, uint32_t colour, int blend) {
-    int rule = ruleindex(tint, blend);
+void drawsprite(const toolkit& t, const spriteimage& image, int x, int y, int tint, uint32_t colour, int blend,
+                lanewidth lanes) {
+    int rule = selectindex<spriterules>(tint, blend);
     if (!t.colourbuffer || rule < 0) return;
-    drawat(t, image, x, y, rule, tintconstants(colour));
+    drawat(t, image, x, y, rule, tintconstants(colour), lanes);
 }
 
 void tilesprite(toolkit& t, const spriteimage& image, int x, int y, int w, int h, int tint, uint32_t colour,
-                int blend) {
+                int blend, lanewidth lanes) {
     if (!t.colourbuffer) return;
     int saved[4] = {t.cliprect[0], t.cliprect[1], t.cliprect[2], t.cliprect[3]};
     narrowcliprect(t, x, y, x + w, y + h);
-    int rule = ruleindex(tint, blend);
+    int rule = selectindex<spriterules>(tint, blend);
     int fw = image.fullwidth(), fh = image.fullheight();
     // A full rectangle of no size cannot be repeated: nothing is drawn.
     if (rule >= 0 && fw > 0 && fh > 0) {
@@ -71,13 +73,13 @@ void tilesprite(toolkit& t, const spriteimage& image, int x, int y, int w, int h
         repeatrange down(y, fh, lines, image.padtop, image.height, t.cliprect[1], t.cliprect[3]);
         for (int64 line = down.first; line <= down.last; ++line)
             for (int64 col = across.first; col <= across.last; ++col)
-                drawat(t, image, x + col * fw, y + line * fh, rule, k);
+                drawat(t, image, x + col * fw, y + line * fh, rule, k, lanes);
     }
     clampcliprect(t, saved[0], saved[1], saved[2], saved[3]);
 }
 
 void drawthroughmask(const toolkit& t, const spriteimage& image, int x, int y, const spanmask& mask, int maskx,
-                     int masky) {
+                     int masky, lanewidth lanes) {
     if (!t.colourbuffer) return;
     // The clip rectangle narrowed to the mask's rectangle, then the single draw's clipping.
     const int* clip = t.cliprect;
@@ -89,7 +91,8 @@ void drawthroughmask(const toolkit& t, const spriteimage& image, int x, int y, c
     int64 rows = std::min(c.rows, mask.rows() - my);
     const int* offsets = mask.offsets.get();
     const int* widths = mask.widths.get();
-    ownsizedraw blendrow = rowsfor(t, image).ownsize[ruleindex(int(tintmode::plain), blend)];
+    constexpr int plainblend = indexof(spriterules, pixelrule(tintmode::plain, blend));
+    ownsizedraw blendrow = rowsfor(t, image, lanes).ownsize[plainblend];
     const tintconstants k(0);
     uint32_t* dst = t.colourbuffer + c.sy * t.width + c.sx;
     const uint32_t* src = c.source;
@@ -109,14 +112,16 @@ extern "C" {
 JNIEXPORT void JNICALL Java_fa_Y(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint tint, jint colour,
                                  jint blend) {
     runexport(env, [&] {
-        drawsprite(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, tint, static_cast<uint32_t>(colour), blend);
+        drawsprite(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, tint, static_cast<uint32_t>(colour), blend,
+                   widestlanes());
     });
 }
 
 JNIEXPORT void JNICALL Java_fa_aa(JNIEnv* env, jobject, jlong handle, jint x, jint y, jint w, jint h, jint tint,
                                   jint colour, jint blend) {
     runexport(env, [&] {
-        tilesprite(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour), blend);
+        tilesprite(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour),
+                   blend, widestlanes());
     });
 }
 
@@ -124,8 +129,8 @@ JNIEXPORT void JNICALL Java_fa_aa(JNIEnv* env, jobject, jlong handle, jint x, ji
 JNIEXPORT void JNICALL Java_fa_o(JNIEnv* env, jobject, jlong handle, jint x, jint y, jlong mask, jint maskx,
                                  jint masky) {
     runexport(env, [&] {
-        drawthroughmask(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y,
-                        *peerat<const spanmask>(mask), maskx, masky);
+        drawthroughmask(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, *peerat<const spanmask>(mask), maskx,
+                        masky, widestlanes());
     });
 }
 

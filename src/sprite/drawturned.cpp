@@ -13,24 +13,22 @@ using inversewalk::maskrow;
 
 // A pixel operation of the axis-aligned draws in its leftover form, given four pixels at a time
 // when the run has them.
-template <tintmode T, blendmode B>
+template <pixelrule R>
 struct leftoverop {
     const tintconstants k;  // a copy, which the stores cannot alias
     [[gnu::always_inline]] void four(uint32_t* dst, __m128i s) {
-        lanes4::store(dst, pixelop<lanes4, T, B, false>(s, lanes4::load(dst), k));
+        lanes4::store(dst, pixelop<lanes4, R, false>(s, lanes4::load(dst), k));
     }
-    [[gnu::always_inline]] void one(uint32_t* dst, uint32_t s) { *dst = leftoverpixel<T, B>(s, *dst, k); }
+    [[gnu::always_inline]] void one(uint32_t* dst, uint32_t s) { *dst = leftoverpixel<R>(s, *dst, k); }
 };
 
-template <tintmode T, blendmode B>
-struct turned {
-    static void draw(const toolkit& t, const spriteimage& image, const parallelogram& p, const tintconstants& k) {
-        leftoverop<T, B> op{k};
-        walkparallelogram(p, image, t.colourbuffer, t.width, t.height, inversewalk::nomask{}, op);
-    }
-};
+template <pixelrule R>
+void turned(const toolkit& t, const spriteimage& image, const parallelogram& p, const tintconstants& k) {
+    leftoverop<R> op{k};
+    walkparallelogram(p, image, t.colourbuffer, t.width, t.height, inversewalk::nomask{}, op);
+}
 
-constexpr auto turnedmembers = ruletable<turned>();
+constexpr auto turnedmembers = dispatchtable<spriterules>([]<pixelrule R>() { return &turned<R>; });
 
 // The mask rows met by the box's rows, from truncate(miny) - masky on: rows above the mask draw
 // nothing, the first row below it ends the draw. Rows past what the mask stores end it too.
@@ -62,7 +60,7 @@ struct spanrows {
 }  // namespace
 
 void drawturned(const toolkit& t, const spriteimage& image, corners c, int tint, uint32_t colour, int blend) {
-    int rule = ruleindex(tint, blend);
+    int rule = selectindex<spriterules>(tint, blend);
     parallelogram p;
     if (!t.colourbuffer || rule < 0 || !placeparallelogram(image, c, t.cliprect, t.width, p)) return;
     turnedmembers[rule](t, image, p, tintconstants(colour));
@@ -75,10 +73,10 @@ void drawturnedmasked(const toolkit& t, const spriteimage& image, corners c, con
     spanrows rows{mask, int64{p.firstrow} - masky, int64{p.firstcolumn} - maskx};
     tintconstants k(0);
     if (opaque) {
-        leftoverop<tintmode::plain, replace> op{k};
+        leftoverop<pixelrule(tintmode::plain, replace)> op{k};
         walkparallelogram(p, image, t.colourbuffer, t.width, t.height, rows, op);
     } else {
-        leftoverop<tintmode::plain, blend> op{k};
+        leftoverop<pixelrule(tintmode::plain, blend)> op{k};
         walkparallelogram(p, image, t.colourbuffer, t.width, t.height, rows, op);
     }
 }

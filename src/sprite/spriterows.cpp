@@ -2,8 +2,6 @@
 
 constinit const rowtables narrowrows = spriterows<lanes4>::tables();
 
-const rowtables* spriterowtables = widerows() ? widerows() : &narrowrows;
-
 namespace {
 
 // The bytes of `rows` rows `pitch` pixels apart from `start`, as addresses.
@@ -16,7 +14,7 @@ struct span {
 
 }  // namespace
 
-const rowtables& rowsfor(const toolkit& t, const spriteimage& image) {
+const rowtables& rowsfor(const toolkit& t, const spriteimage& image, lanewidth lanes) {
     span source(image.pixels, image.height, image.pitch), target(t.colourbuffer, t.height, t.width);
-    return source.begin < target.end && target.begin < source.end ? narrowrows : *spriterowtables;
+    return source.begin < target.end && target.begin < source.end ? narrowrows : rowtablesof(lanes);
 }

@@ -10,6 +10,9 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <string>
+#include <string_view>
+#include <type_traits>
 #include <utility>
 
 #pragma GCC target("avx2")
@@ -17,15 +20,6 @@
 #include "pixel/lanes8.h"
 #include "sprite/spriterows.h"
 
-namespace {
-
-constinit const rowtables wide = spriterows<lanes8>::tables();
-
-}  // namespace
+constinit const rowtables widerows = spriterows<lanes8>::tables();
 
 #pragma GCC reset_options
-
-const rowtables* widerows() {
-    __builtin_cpu_init();  // may run before the runtime's own set-up, from a static initialiser
-    return __builtin_cpu_supports("avx2") ? &wide : nullptr;
-}

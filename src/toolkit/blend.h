@@ -1,19 +1,13 @@
-// The solid-colour write rules that all 2D drawing of the toolkit shares (`blendmode`).
+// The arithmetic of `blendmode` for solid colours, which all 2D drawing of the toolkit shares.
 #pragma once
 #include <emmintrin.h>
 
 #include <cstdint>
 
-#include "util/exception.h"
-
-enum blendmode : int { replace = 0, blend = 1, add = 2 };
+#include "pixel/blendmode.h"
 
 // Mode 1 with an opaque colour and mode 0 both store the colour as it stands.
 inline bool isstore(int mode, uint32_t colour) { return mode == replace || (mode == blend && colour >> 24 == 255); }
-
-inline void checkblendmode(int mode) {
-    if (mode < replace || mode > add) fail<IllegalArgumentException>();
-}
 
 // The colour's half of a blend; it is the same for every pixel of a shape, so made once.
 struct blendsource {

@@ -5,8 +5,7 @@
 #include "toolkit/blend.h"
 #include "toolkit/toolkit.h"
 
-// Stores `value` into n words from p: up to three words singly to a 16-byte boundary, the body in
-// aligned stores of four, the tail singly.
+// Stores `value` into n words from p.
 void storerun(uint32_t* p, int n, uint32_t value);
 
 // Writes n pixels from p by a write rule of the blend modes, four at a time and the rest singly;
@@ -23,7 +22,7 @@ void writerun(uint32_t* p, int n, Rule rule) {
 inline void writerun(uint32_t* p, int n, storerule rule) { storerun(p, n, rule.colour); }
 
 // Fills (x, y, w, h) of a buffer with row pitch `width` and `height` rows by the store path; a
-// rectangle that is the whole buffer is filled as one run.
+// rectangle that is the whole buffer is filled as one run by the string store.
 void storerect(uint32_t* buffer, int width, int height, int x, int y, int w, int h, uint32_t value);
 
 // Cuts a rectangle to `cliprect`; w and h may come out zero or negative.

@@ -37,7 +37,7 @@ void setpointlights(toolkit& t, int count, const int* lights, const float* inten
         radii[i] = static_cast<float>(light[3] * light[3]) * k * 256.0f;
         t.lightcolour[i] = light[4];
     }
-    _mm_store_ps(t.lightradius, _mm_load_ps(radii));
+    floats4::store(t.lightradius, floats4::load(radii));
 }
 
 void setshadowcell(toolkit& t, int size) {
@@ -61,8 +61,8 @@ void setfog(toolkit& t, int colour, int distance) {
 void updatefog(const toolkit& t) {
     float z = rasterstate.farplane - t.fogdistance;
     alignas(16) float screen[4];
-    _mm_store_ps(screen, projectpoint(_mm_setr_ps(0.0f, 0.0f, z, 1.0f), t.projectionmatrix));
-    _mm_store_ps(rasterstate.fogcolour, colourfloats(t.fogcolour));
+    floats4::store(screen, projectpoint(floats4::setr(0.0f, 0.0f, z, 1.0f), t.projectionmatrix));
+    floats4::store(rasterstate.fogcolour, colourfloats(t.fogcolour));
     rasterstate.fogstart = screen[2];
     rasterstate.fogscale = 1.0f / (1.0f - screen[2]);
 }
@@ -75,7 +75,7 @@ void setshade(toolkit& t, int start, int colour, int range) {
     t.shadestart = start;
     t.fogcolour = colour;
     t.shaderange = range;
-    _mm_store_ps(rasterstate.shadecolour, colourfloats(colour));
+    floats4::store(rasterstate.shadecolour, colourfloats(colour));
 }
 
 void overrideshade(toolkit& t, int start, int colour, int range) {

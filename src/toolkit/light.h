@@ -1,8 +1,7 @@
 // Light and fog: the sun, up to four point lights, the shadow slope and cell, the distance fog on
 // screen depth, and the shade colour with its override.
 #pragma once
-#include <xmmintrin.h>
-
+#include "pixel/floatlanes.h"
 #include "toolkit/toolkit.h"
 
 inline constexpr int maxlights = 4;
@@ -10,7 +9,7 @@ inline constexpr int maxlights = 4;
 // A colour word's bytes from the low byte up (blue, green, red, alpha), each times 256.
 inline __m128 colourfloats(int colour) {
     auto byte = [colour](int shift) { return static_cast<float>((static_cast<uint32_t>(colour) >> shift & 0xFF) * 256); };
-    return _mm_setr_ps(byte(0), byte(8), byte(16), byte(24));
+    return floats4::setr(byte(0), byte(8), byte(16), byte(24));
 }
 
 void setsun(toolkit& t, int colour, float ambient, float diffuse, float x, float y, float z);

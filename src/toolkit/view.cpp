@@ -1,7 +1,5 @@
 #include "toolkit/view.h"
 
-#include <xmmintrin.h>
-
 #include "toolkit/light.h"
 #include "toolkit/projection.h"
 #include "util/arraypin.h"
@@ -20,34 +18,34 @@ void withmatrix(JNIEnv* env, jfloatArray matrix, F&& use) {
     arraypin<pinkind::floatcritical> pin(env, matrix);
     const float* source = pin.get();
     alignas(16) float local[16];
-    for (int i = 0; i < 16; i += 4) _mm_store_ps(local + i, _mm_loadu_ps(source + i));
+    for (int i = 0; i < 16; i += 4) floats4::store(local + i, floats4::loadu(source + i));
     use(local);
 }
 
 }  // namespace
 
 void buildplanes(const float* m, float planes[6][4]) {
-    __m128 x = _mm_load_ps(m), y = _mm_load_ps(m + 4), z = _mm_load_ps(m + 8), w = _mm_load_ps(m + 12);
+    using F = floats4;
+    F::type x = F::load(m), y = F::load(m + 4), z = F::load(m + 8), w = F::load(m + 12);
     _MM_TRANSPOSE4_PS(x, y, z, w);
-    const __m128 sides[6] = {_mm_add_ps(w, x), _mm_sub_ps(w, x), _mm_add_ps(w, y),
-                             _mm_sub_ps(w, y), _mm_add_ps(w, z), _mm_sub_ps(w, z)};
+    const F::type sides[6] = {F::add(w, x), F::sub(w, x), F::add(w, y), F::sub(w, y), F::add(w, z), F::sub(w, z)};
     for (int i = 0; i < 6; ++i) {
         alignas(16) float p[4];
-        _mm_store_ps(p, sides[i]);
+        F::store(p, sides[i]);
         float lengthsquared = p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
-        __m128 scale = _mm_rsqrt_ss(_mm_set_ss(lengthsquared));
-        scale = _mm_shuffle_ps(scale, scale, _MM_SHUFFLE(0, 0, 0, 0));
-        _mm_store_ps(planes[i], _mm_mul_ps(sides[i], scale));
+        // The scalar approximation (rsqrtss) the planes are defined with, in all four lanes.
+        F::type scale = F::spread<0>(_mm_rsqrt_ss(_mm_set_ss(lengthsquared)));
+        F::store(planes[i], F::mul(sides[i], scale));
     }
 }
 
 void setviewmatrix(toolkit& t, const float* m) {
-    for (int i = 0; i < 16; i += 4) _mm_store_ps(t.viewmatrix + i, _mm_load_ps(m + i));
+    for (int i = 0; i < 16; i += 4) floats4::store(t.viewmatrix + i, floats4::load(m + i));
     updateviewprojection(t);
 }
 
 void setprojectionmatrix(toolkit& t, const float* m) {
-    for (int i = 0; i < 16; i += 4) _mm_store_ps(t.projectionmatrix + i, _mm_load_ps(m + i));
+    for (int i = 0; i < 16; i += 4) floats4::store(t.projectionmatrix + i, floats4::load(m + i));
     updateviewprojection(t);
     alignas(16) float planes[6][4];
     buildplanes(t.projectionmatrix, planes);

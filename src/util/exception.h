@@ -62,6 +62,7 @@ public:
 class IllegalArgumentException : public Exception {
 public:
     IllegalArgumentException() : Exception("") {}
+    explicit IllegalArgumentException(const char* message) : Exception(message) {}
     void throwtohost(JNIEnv* env) override;
 };
 

@@ -72,8 +72,8 @@ TEST(blendmode, opaqueblendisastore) {
     EXPECT_FALSE(isstore(add, 0xFF000000));
 }
 
-// Every start alignment and width 0 to 33, negative widths, and runs long enough for the
-// string store: exactly the run is written, whatever the split.
+// Every start alignment and width 0 to 33, negative widths, and longer runs: exactly the run is
+// written.
 TEST(storerun, writesexactlytherunateveryalignment) {
     std::vector<int> widths = {-5, -1, 300, 301, 302, 303};
     for (int n = 0; n <= 33; ++n) widths.push_back(n);

@@ -173,8 +173,8 @@ bool sprites(fuzzcase& c) {
                                    c.coordinate(g.t.height));
     const int width = g.t.width, height = g.t.height;
     const int clip[4] = {g.t.cliprect[0], g.t.cliprect[1], g.t.cliprect[2], g.t.cliprect[3]};
-    auto tables = spritereference::rowtablesavailable();
-    spritereference::drawingwith rows(tables[c.number % tables.size()]);
+    const auto widths = runnablewidths();
+    const lanewidth lanes = widths[c.number % widths.size()];
 
     // The image's last or first pixel touches an inaccessible page.
     const int iw = c.onein(10) ? c.below(2) * 64 : c.width(), ih = c.onein(10) ? 0 : 1 + c.below(16);
@@ -218,11 +218,11 @@ bool sprites(fuzzcase& c) {
     bool known = true;
     auto draw = [&] {
         switch (call) {
-            case spritecall::single: return drawsprite(g.t, image, x, y, tint, colour, blend);
-            case spritecall::tiled: return tilesprite(g.t, image, x, y, w, h, tint, colour, blend);
-            case spritecall::scaled: return drawscaled(g.t, image, x, y, w, h, tint, colour, blend);
-            case spritecall::atdepth: return drawscaledatdepth(g.t, image, x, y, z, w, h, tint, colour, blend);
-            default: return drawthroughmask(g.t, image, x, y, mask.mask, maskx, masky);
+            case spritecall::single: return drawsprite(g.t, image, x, y, tint, colour, blend, lanes);
+            case spritecall::tiled: return tilesprite(g.t, image, x, y, w, h, tint, colour, blend, lanes);
+            case spritecall::scaled: return drawscaled(g.t, image, x, y, w, h, tint, colour, blend, lanes);
+            case spritecall::atdepth: return drawscaledatdepth(g.t, image, x, y, z, w, h, tint, colour, blend, lanes);
+            default: return drawthroughmask(g.t, image, x, y, mask.mask, maskx, masky, lanes);
         }
     };
     switch (call) {

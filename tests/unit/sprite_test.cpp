@@ -66,10 +66,10 @@ TEST(spritetiling, padsspacetherepeatsandtheareaclips) {
     std::fill(g.colour.get(), g.colour.get() + g.pixels(), 0u);
     uint32_t pixels[2] = {0xFF0000AA, 0xFF0000BB};
     for (auto [tint, blend] : {std::pair{5, 0}, {-1, 0}, {1, 3}, {1, -1}})
-        drawsprite(g.t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 6, tint, 0, blend);
+        drawsprite(g.t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 6, tint, 0, blend, lanewidth::four);
     spriteimage image{pixels, 2, 1, 2, 1, 1, 0, 1};  // full 3 by 3, image at (1, 1)
     g.t.cliprect[2] = 40;  // wider than the target, as a resize would leave it
-    tilesprite(g.t, image, 0, 0, 8, 5, 1, 0, 0);
+    tilesprite(g.t, image, 0, 0, 8, 5, 1, 0, 0, lanewidth::four);
     for (int y = 0; y < 8; ++y)
         for (int x = 0; x < 16; ++x) {
             uint32_t expect = 0;

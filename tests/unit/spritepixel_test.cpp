@@ -8,8 +8,6 @@
 #include "sprite/spriterows.h"
 #include "spritereference.h"
 
-using spritereference::rowtablesavailable;
-
 namespace {
 
 #ifdef __SANITIZE_ADDRESS__
@@ -29,9 +27,9 @@ struct triple {
 // Eight triples of a sweep share the colour, as the pixels of one draw do. They go through each
 // table's member once as one row of groups, and each alone as a leftover.
 template <class Make>
-void sweep(int rule, Make make) {
-    int tint = rule / 3, blend = rule % 3;
-    for (const rowtables* table : rowtablesavailable())
+void sweep(pixelrule rule, Make make) {
+    int tint = int(rule.get<tintmode>()), blend = int(rule.get<blendmode>()), index = indexof(spriterules, rule);
+    for (lanewidth lanes : runnablewidths())
         for (uint32_t third = 0; third < thirds.size(); ++third)
             for (uint32_t i = 0; i < 256; i += pairstep)
                 for (uint32_t j = 0; j < 256; j += 8) {
@@ -44,19 +42,19 @@ void sweep(int rule, Make make) {
                         group[l] = leftover[l] = p[l].d;
                     }
                     tintconstants k(p[0].c);
-                    table->ownsize[rule](group, 8, s, 8, 8, 1, k);
-                    for (int l = 0; l < 8; ++l) table->ownsize[rule](leftover + l, 1, s + l, 1, 1, 1, k);
+                    rowtablesof(lanes).ownsize[index](group, 8, s, 8, 8, 1, k);
+                    for (int l = 0; l < 8; ++l) rowtablesof(lanes).ownsize[index](leftover + l, 1, s + l, 1, 1, 1, k);
                     for (int l = 0; l < 8; ++l)
                         for (bool g : {true, false}) {
                             const triple& q = p[l];
                             ASSERT_EQ((g ? group : leftover)[l], spritereference::pixel(tint, blend, g, q.s, q.c, q.d))
-                                << (g ? "group" : "leftover") << ", tint " << tint << " blend " << blend << std::hex
+                                << (g ? "group" : "leftover") << ", " << axisname(lanes) << std::hex
                                 << " s " << q.s << " c " << q.c << " d " << q.d;
                         }
                 }
 }
 
-class pixelrules : public testing::TestWithParam<int> {};
+class pixelrules : public testing::TestWithParam<pixelrule> {};
 
 // Source alpha against a source channel: the blend's weight and the tinted value.
 TEST_P(pixelrules, sourcealphaagainstsourcechannel) {
@@ -86,8 +84,7 @@ TEST_P(pixelrules, sourcechannelagainstcolourchannel) {
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(all, pixelrules, testing::Range(0, 15), [](const testing::TestParamInfo<int>& info) {
-    return "tint" + std::to_string(info.param / 3) + "blend" + std::to_string(info.param % 3);
-});
+INSTANTIATE_TEST_SUITE_P(all, pixelrules, testing::ValuesIn(spriterules),
+                         [](const testing::TestParamInfo<pixelrule>& info) { return info.param.name('_'); });
 
 }  // namespace

@@ -3,7 +3,6 @@
 #pragma once
 #include <algorithm>
 #include <cstdint>
-#include <vector>
 
 #include "sprite/spriterows.h"
 #include "toolkit/spanmask.h"
@@ -139,19 +138,5 @@ inline void scaled(const view& t, const uint32_t* pixels, int width, int height,
         }
     }
 }
-
-// The row tables this processor can run: four pixels at a time, and eight where it can.
-inline std::vector<const rowtables*> rowtablesavailable() {
-    std::vector<const rowtables*> list = {&narrowrows};
-    if (widerows()) list.push_back(widerows());
-    return list;
-}
-
-// Draws through the given row tables while in scope.
-struct drawingwith {
-    const rowtables* const saved = spriterowtables;
-    explicit drawingwith(const rowtables* t) { spriterowtables = t; }
-    ~drawingwith() { spriterowtables = saved; }
-};
 
 }  // namespace spritereference

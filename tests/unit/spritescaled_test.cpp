@@ -21,15 +21,16 @@ void target(toolkit& t, uint32_t* colour, float* depth, int width, int height) {
 
 // Draws at depth z by the library and by the reference into copies of the target; true when
 // they agree.
-bool matchesreference(const toolkit& t, const spriteimage& image, int x, int y, int w, int h, int rule,
-                      uint32_t colour, float z) {
+bool matchesreference(const toolkit& t, const spriteimage& image, int x, int y, int w, int h, pixelrule rule,
+                      uint32_t colour, float z, lanewidth lanes) {
+    int tint = int(rule.get<tintmode>()), blend = int(rule.get<blendmode>());
     std::vector<uint32_t> expect(t.colourbuffer, t.colourbuffer + t.width * t.height);
     const int* clip = t.cliprect;
     const int pads[4] = {image.padleft, image.padtop, image.padright, image.padbottom};
     spritereference::scaled({expect.data(), t.depthbuffer, t.width, {clip[0], clip[1], clip[2], clip[3]}},
-                            image.pixels, image.width, image.height, image.pitch, pads, x, y, w, h, rule / 3, colour,
-                            rule % 3, z);
-    drawscaledatdepth(t, image, x, y, z, w, h, rule / 3, colour, rule % 3);
+                            image.pixels, image.width, image.height, image.pitch, pads, x, y, w, h, tint, colour,
+                            blend, z);
+    drawscaledatdepth(t, image, x, y, z, w, h, tint, colour, blend, lanes);
     return std::equal(expect.begin(), expect.end(), t.colourbuffer);
 }
 
@@ -43,7 +44,7 @@ TEST(scaleddraw, plainwithdepthdividesinleftovers) {
         toolkit t{};
         target(t, colour.data(), d, 43, 1);
         setcliprect(t, 0, 0, 43, 1);
-        drawscaledatdepth(t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 0, 0.0f, 82, 1, 1, 0, 0);
+        drawscaledatdepth(t, {pixels, 2, 1, 2, 0, 0, 0, 0}, 0, 0, 0.0f, 82, 1, 1, 0, 0, lanewidth::four);
         EXPECT_EQ(colour[41], d ? 0xFFFFFFFFu : 0xFF000000u);
     }
 }
@@ -56,14 +57,14 @@ TEST(scaleddraw, longrowsmatchthereference) {
     std::vector<float> depth(width * 3);
     for (uint32_t& p : pixels) p = random();
     for (float& d : depth) d = float(random() % 3);
-    for (const rowtables* table : spritereference::rowtablesavailable())
+    for (lanewidth lanes : runnablewidths())
         for (float* d : {depth.data(), static_cast<float*>(nullptr)}) {
-            spritereference::drawingwith rows(table);
             for (uint32_t& p : colour) p = random();
             toolkit t{};
             target(t, colour.data(), d, width, 3);
             setcliprect(t, 3, 0, width, 3);
-            EXPECT_TRUE(matchesreference(t, {pixels.data(), 7, 3, 7, 0, 0, 0, 0}, -5, 0, width + 2, 3, 4, 0, 1.0f));
+            EXPECT_TRUE(matchesreference(t, {pixels.data(), 7, 3, 7, 0, 0, 0, 0}, -5, 0, width + 2, 3,
+                                         pixelrule(tintmode::plain, blend), 0, 1.0f, lanes));
         }
 }
 
@@ -71,16 +72,15 @@ TEST(scaleddraw, longrowsmatchthereference) {
 // not read ahead of what the four-pixel rows have written.
 TEST(scaleddraw, animagedrawnintoitselfgivesthesamebitsateverywidth) {
     std::vector<std::vector<uint32_t>> results;
-    for (const rowtables* table : spritereference::rowtablesavailable()) {
-        spritereference::drawingwith rows(table);
+    for (lanewidth lanes : runnablewidths()) {
         std::vector<uint32_t> pixels(40 * 4);
         for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = uint32_t(i * 0x01030507u);
         toolkit t{};
         target(t, pixels.data(), nullptr, 40, 4);
         setcliprect(t, 0, 0, 40, 4);
         spriteimage image{pixels.data(), 40, 4, 40, 0, 0, 0, 0};
-        drawsprite(t, image, 4, 0, 1, 0, 0);
-        drawscaled(t, image, 0, 1, 60, 3, 1, 0, 1);
+        drawsprite(t, image, 4, 0, 1, 0, 0, lanes);
+        drawscaled(t, image, 0, 1, 60, 3, 1, 0, 1, lanes);
         results.push_back(pixels);
     }
     EXPECT_EQ(results.front(), results.back());

@@ -1,41 +1,20 @@
-// The pixel operations of every sprite draw: a colour operation on the source (`tintmode`)
-// followed by a write operation into the buffer (`blendmode`). Four pixels go through one pass of
-// 16-bit lanes. Pixels at the end of a row that do not fill a group of four take the same road in
-// lane 0 with two rules of their own: the alpha blend weighs the old pixel by 255 - a instead of
-// 256 - a, and the weight tint leaves out its colour term unless it blends.
+// The pixel operations of the (`tintmode`, `blendmode`) pairs, written over a lane type: a colour
+// operation on the source followed by a write operation into the buffer. Four pixels go through
+// one pass of 16-bit lanes. Pixels at the end of a row that do not fill a group of four take the
+// same road in lane 0 with two rules of their own: the alpha blend weighs the old pixel by 255 - a
+// instead of 256 - a, and the weight tint leaves out its colour term unless it blends.
 #pragma once
 #include <emmintrin.h>
 
 #include <cstdint>
 
+#include "pixel/blendmode.h"
 #include "pixel/lanes.h"
-#include "toolkit/blend.h"
+#include "pixel/tintmode.h"
+#include "pixel/variants.h"
 
-enum class tintmode : int { multiply, plain, weight, add, subtract };
-
-// What a draw's colour argument contributes, prepared once before the rows.
-struct tintconstants {
-    __m128i bytes;       // the colour in every pixel
-    __m128i channels;    // its channels as 16-bit lanes, two pixels
-    __m128i sourcemul;   // weight tint: multipliers of the source, high half of 16 by 16
-    __m128i colourterm;  // weight tint: the colour's share, 16-bit lanes
-    __m128i colourbyte;  // the same packed to bytes
-
-    explicit tintconstants(uint32_t colour) {
-        const __m128i zero = _mm_setzero_si128();
-        bytes = _mm_set1_epi32(static_cast<int>(colour));
-        channels = _mm_unpacklo_epi8(bytes, zero);
-        // The weight is the top byte taken as signed. Low halves of the words serve blue and red,
-        // high halves green and alpha; a negative weight gives multipliers that saturate most
-        // channels, and that is the required result.
-        int32_t w = static_cast<int32_t>(colour) >> 24;
-        uint32_t m = static_cast<uint32_t>(w) | static_cast<uint32_t>(w) << 16;
-        uint32_t n = (m ^ 0xFFFF00FFu) << 8;
-        sourcemul = _mm_set1_epi32(static_cast<int>(m));
-        colourterm = _mm_mulhi_epu16(channels, _mm_set1_epi32(static_cast<int>(n)));
-        colourbyte = _mm_packus_epi16(colourterm, colourterm);
-    }
-};
+// One pixel rule: a tint followed by a write.
+using pixelrule = variant<tintmode, blendmode>;
 
 namespace pixelops {
 
@@ -78,9 +57,11 @@ template <class V, blendmode B>
 
 // Groups of four pixels of source `s` over the buffer's `d`, in lane type V; in a leftover only
 // the first pixel counts.
-template <class V, tintmode T, blendmode B, bool group>
+template <class V, pixelrule R, bool group>
 [[gnu::always_inline]] inline typename V::type pixelop(typename V::type s, typename V::type d, const tintconstants& k) {
     using namespace pixelops;
+    constexpr tintmode T = R.get<tintmode>();
+    constexpr blendmode B = R.get<blendmode>();
     const auto zero = V::zero();
     if constexpr (T == tintmode::weight) {
         // p = ((s << 8) * m) >> 16 per channel.
@@ -106,8 +87,8 @@ template <class V, tintmode T, blendmode B, bool group>
 }
 
 // One pixel by the leftover rules; the transformed draws use it for every pixel.
-template <tintmode T, blendmode B>
+template <pixelrule R>
 [[gnu::always_inline]] inline uint32_t leftoverpixel(uint32_t s, uint32_t d, const tintconstants& k) {
     __m128i one = _mm_cvtsi32_si128(static_cast<int>(s)), under = _mm_cvtsi32_si128(static_cast<int>(d));
-    return static_cast<uint32_t>(_mm_cvtsi128_si32(pixelop<lanes4, T, B, false>(one, under, k)));
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(pixelop<lanes4, R, false>(one, under, k)));
 }

@@ -1,0 +1,3 @@
+#include "raster/memberfile.h"
+
+constinit const colourlessfile colourlessmembers = buildmembers<colourlessfile>();

@@ -1,0 +1,3 @@
+#include "raster/memberfile.h"
+
+constinit const gouraudfile gouraudmembers = buildmembers<gouraudfile>();

@@ -1,0 +1,288 @@
+// The span functions: one template over the axes of a span member. Each row is a head, a body
+// and a tail of four-pixel groups aligned to 16 bytes in the target; every interpolant starts at
+// the row's first group and steps four pixels at a time, and only the depth test and the merge of
+// a partly written group branch inside a row.
+#pragma once
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+
+#include "raster/members.h"
+#include "raster/texels.h"
+#include "toolkit/toolkit.h"
+
+namespace spanlanes {
+
+[[gnu::always_inline]] inline float reciprocal(float x) { return _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(x))); }
+
+// Lanes `from` and above of a group, for `from` 0 to 4.
+[[gnu::always_inline]] inline __m128i lanesfrom(int from) {
+    alignas(16) static constexpr int32_t above[8] = {0, 0, 0, 0, -1, -1, -1, -1};
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(above + 4 - from));
+}
+
+// z0 - b * dz in extended precision, rounded once to a float. b * dz is exact in a double, and
+// so is the difference unless b * dz is more than 2^27 times z0; a difference too small to reach
+// z0's last bit leaves z0 in both precisions. The rest goes through the extended type.
+[[gnu::always_inline]] inline float firstz(float z0, float dz, int b) {
+    const double step = static_cast<double>(b) * static_cast<double>(dz);
+    if (__builtin_expect(std::fabs(step) > std::fabs(static_cast<double>(z0)) * 134217728.0, 0))
+        return static_cast<float>(static_cast<long double>(z0) - static_cast<long double>(step));
+    return static_cast<float>(static_cast<double>(z0) - step);
+}
+
+// A colour lane set's left and right halves as float lanes, the difference per pixel with the
+// row's reciprocal width, and the start at the first pixel drawn. The start saturates to 0 to
+// 65535 and the step to signed 16 bits; along the row the lanes wrap.
+struct colourrow {
+    __m128i start, step;  // both in each half of the 16-byte slot
+    [[gnu::always_inline]] colourrow(__m128i lanes, __m128 inv, __m128 skip) {
+        __m128 l = _mm_cvtepi32_ps(_mm_unpacklo_epi16(lanes, _mm_setzero_si128()));
+        __m128 r = _mm_cvtepi32_ps(_mm_unpackhi_epi16(lanes, _mm_setzero_si128()));
+        __m128 d = _mm_mul_ps(_mm_sub_ps(r, l), inv);
+        __m128i c = _mm_sub_epi32(_mm_cvttps_epi32(_mm_add_ps(l, _mm_mul_ps(skip, d))), _mm_set1_epi32(0x8000));
+        __m128i dc = _mm_cvttps_epi32(d);
+        start = _mm_add_epi16(_mm_packs_epi32(c, c), _mm_set1_epi16(-0x8000));
+        step = _mm_packs_epi32(dc, dc);
+    }
+};
+
+// Colour lanes of pixels 0 and 1 and of pixels 2 and 3 of a group.
+struct colourgroup {
+    __m128i low, high, step4;
+    [[gnu::always_inline]] colourgroup() = default;
+    // Lane j of the first group is the start at lane b, less b steps, plus j steps.
+    [[gnu::always_inline]] colourgroup(const colourrow& row, int b) {
+        __m128i back = _mm_set1_epi16(static_cast<short>(b));
+        low = _mm_add_epi16(row.start,
+                            _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(0, 0, 0, 0, 1, 1, 1, 1), back), row.step));
+        high = _mm_add_epi16(row.start,
+                             _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(2, 2, 2, 2, 3, 3, 3, 3), back), row.step));
+        step4 = _mm_slli_epi16(row.step, 2);
+    }
+    [[gnu::always_inline]] void advance() {
+        low = _mm_add_epi16(low, step4);
+        high = _mm_add_epi16(high, step4);
+    }
+};
+
+}  // namespace spanlanes
+
+template <spanmember M>
+struct spanrules {
+    static constexpr shading kind = M.get<shading>();
+    static constexpr depthmode depth = M.get<depthmode>();
+    static constexpr bool colour = kind != shading::colourless;
+    static constexpr bool textured = kind == shading::textured;
+    static constexpr bool test = depth != depthmode::none;
+    static constexpr bool zwrite = depth == depthmode::testwrite;
+    static constexpr bool blend = M.get<blended>() == blended::yes;
+    static constexpr bool add = M.get<addterm>() == addterm::yes;
+    static constexpr alphamode alpha = M.get<alphamode>();
+    // The old colour is read for every group: the new one depends on it.
+    static constexpr bool readsold = blend || alpha == alphamode::alpha;
+    // Whether the final mask can have lanes off that the depth test and the span's ends left on.
+    static constexpr bool texelmask = textured && alpha != alphamode::opaque;
+};
+
+// The interpolants of one row at its current group.
+template <spanmember M>
+struct spangroup {
+    using rules = spanrules<M>;
+    __m128 z, zstep4;
+    spanlanes::colourgroup modulate, addcolour;
+    __m128 pairs[2], pairstep4;  // u, v of pixels 0 and 1, of pixels 2 and 3
+
+    [[gnu::always_inline]] void advance() {
+        z = _mm_add_ps(z, zstep4);
+        if constexpr (rules::colour) modulate.advance();
+        if constexpr (rules::add) addcolour.advance();
+        if constexpr (rules::textured) {
+            pairs[0] = _mm_add_ps(pairs[0], pairstep4);
+            pairs[1] = _mm_add_ps(pairs[1], pairstep4);
+        }
+    }
+
+    // The group's pixels, given its old colour where the member reads it; `keep` gets the lanes a
+    // texel leaves as they were.
+    [[gnu::always_inline]] __m128i pixels(const uint32_t* texels, __m128i old, uint32_t blendfactor,
+                                          __m128i& keep) const {
+        if constexpr (rules::textured)
+            return texelpixels<M>(texels, z, pairs, modulate.low, modulate.high, addcolour.low, addcolour.high, old,
+                                  blendfactor, keep);
+        if constexpr (rules::blend) {
+            // The new colour weighs a, the old 256 - a, both as the high half of 16-bit products.
+            __m128i a = _mm_set1_epi32(static_cast<int>(blendfactor));
+            __m128i rest = _mm_set1_epi32(static_cast<int>(0x01000100u - blendfactor));
+            __m128i low = _mm_add_epi16(_mm_mulhi_epu16(modulate.low, a),
+                                        _mm_mulhi_epu16(_mm_unpacklo_epi8(_mm_setzero_si128(), old), rest));
+            __m128i high = _mm_add_epi16(_mm_mulhi_epu16(modulate.high, a),
+                                         _mm_mulhi_epu16(_mm_unpackhi_epi8(_mm_setzero_si128(), old), rest));
+            return _mm_packus_epi16(low, high);
+        }
+        return _mm_packus_epi16(_mm_srli_epi16(modulate.low, 8), _mm_srli_epi16(modulate.high, 8));
+    }
+};
+
+template <spanmember M>
+struct spanframe {
+    using rules = spanrules<M>;
+
+    // One group at colour pixel p and depth q, both 16-byte aligned; `lanes` is the part of the
+    // group inside the span, all four in the body.
+    template <bool whole>
+    [[gnu::always_inline]] static void group(const spangroup<M>& g, uint32_t* p, float* q, __m128i lanes,
+                                             const uint32_t* texels, uint32_t blendfactor) {
+        __m128i pass = lanes;
+        __m128 oldz = _mm_setzero_ps();
+        if constexpr (rules::test) {
+            oldz = _mm_load_ps(q);
+            pass = _mm_castps_si128(_mm_cmple_ps(g.z, oldz));
+            if constexpr (!whole) pass = _mm_and_si128(pass, lanes);
+            if (_mm_movemask_ps(_mm_castsi128_ps(pass)) == 0) return;
+        }
+        if constexpr (!rules::colour) {
+            if constexpr (rules::zwrite) storez<whole>(q, g.z, oldz, pass);
+            return;
+        } else {
+            __m128i old = rules::readsold ? _mm_load_si128(reinterpret_cast<const __m128i*>(p)) : _mm_setzero_si128();
+            __m128i keep = _mm_setzero_si128();
+            __m128i pixels = g.pixels(texels, old, blendfactor, keep);
+            if constexpr (rules::texelmask) pass = _mm_andnot_si128(keep, pass);
+            if (whole && ((!rules::test && !rules::texelmask) || _mm_movemask_ps(_mm_castsi128_ps(pass)) == 15)) {
+                _mm_store_si128(reinterpret_cast<__m128i*>(p), pixels);
+                if constexpr (rules::zwrite) _mm_store_ps(q, g.z);
+                return;
+            }
+            if constexpr (!rules::readsold) old = _mm_load_si128(reinterpret_cast<const __m128i*>(p));
+            _mm_store_si128(reinterpret_cast<__m128i*>(p),
+                            _mm_or_si128(_mm_and_si128(pass, pixels), _mm_andnot_si128(pass, old)));
+            if constexpr (rules::zwrite) storez<false>(q, g.z, oldz, pass);
+        }
+    }
+
+    template <bool whole>
+    [[gnu::always_inline]] static void storez(float* q, __m128 z, __m128 oldz, __m128i pass) {
+        if (whole && _mm_movemask_ps(_mm_castsi128_ps(pass)) == 15) return _mm_store_ps(q, z);
+        __m128 on = _mm_castsi128_ps(pass);
+        _mm_store_ps(q, _mm_or_ps(_mm_and_ps(on, z), _mm_andnot_ps(on, oldz)));
+    }
+
+    [[gnu::always_inline]] static void next(uint32_t*& p, float*& q) {
+        if constexpr (rules::colour) p += 4;
+        if constexpr (rules::test) q += 4;
+    }
+
+    [[gnu::noinline]] static void draw(rasterspan* s) {
+        if (s->rows <= 0) return;
+        const rasterstatedata& state = rasterstate;
+        uint32_t* const colourbase = state.targetcolour;
+        float* const depthbase = state.targetdepth;
+        const long stride = state.targetstride;
+        // The right end of both rectangles, in 64 bits and then cut to an int, so that a viewport or
+        // clip at the limits of an int does not wrap.
+        const int viewx = state.viewport[0], clipx = state.rasterclip[0];
+        const int right =
+            static_cast<int>(std::clamp(std::min(static_cast<long long>(viewx) + state.viewport[2],
+                                                 static_cast<long long>(clipx) + state.rasterclip[2]),
+                                        static_cast<long long>(INT_MIN), static_cast<long long>(INT_MAX)));
+        const uint32_t* const texels = rules::textured ? s->texels[0] : nullptr;
+        const uint32_t blendfactor = rules::blend ? s->blendfactor : 0;
+
+        __m128 edge = _mm_load_ps(s->edge);
+        const __m128 edgestep = _mm_load_ps(s->edgestep);
+        // Only the fields of the member are read.
+        auto lanes = [](const auto* field, bool used) {
+            return used ? _mm_load_si128(reinterpret_cast<const __m128i*>(field)) : _mm_setzero_si128();
+        };
+        __m128i modulate = lanes(s->modulate, rules::colour);
+        const __m128i modulatestep = lanes(s->modulatestep, rules::colour);
+        __m128i addcolour = lanes(s->addcolour, rules::add);
+        const __m128i addcolourstep = lanes(s->addcolourstep, rules::add);
+        __m128 uv = rules::textured ? _mm_load_ps(s->uv) : _mm_setzero_ps();
+        const __m128 uvstep = rules::textured ? _mm_load_ps(s->uvstep) : _mm_setzero_ps();
+        int y = s->y;
+
+        for (int row = 0; row < s->rows; ++row, ++y) {
+            // Both ends by the current rounding; the right end is exclusive. The reciprocal is of the
+            // unclipped width, so that a clipped row's values are the whole row's at the same columns,
+            // reached from its left end by `skip` float steps.
+            __m128i ends = _mm_cvtps_epi32(edge);
+            int xl = _mm_cvtsi128_si32(ends), xr = _mm_cvtsi128_si32(_mm_unpackhi_epi64(ends, ends));
+            const float inv = spanlanes::reciprocal(static_cast<float>(static_cast<int>(unsigned(xr) - unsigned(xl))));
+            xr = std::min(xr, right);
+            float skip = 0.0f;
+            if (xl < viewx) {
+                skip = static_cast<float>(viewx) - static_cast<float>(xl);
+                xl = viewx;
+            }
+            if (xl < clipx) {
+                skip += static_cast<float>(clipx) - static_cast<float>(xl);
+                xl = clipx;
+            }
+            if (static_cast<long long>(xr) - xl > 0) {
+                const int n = xr - xl;
+                const long offset = y * stride + xl;
+                // Both buffers have the same alignment; the walk that stores nothing has neither.
+                const uintptr_t address = rules::colour ? reinterpret_cast<uintptr_t>(colourbase + offset)
+                                          : rules::test ? reinterpret_cast<uintptr_t>(depthbase + offset)
+                                                        : 0;
+                const int h = static_cast<int>((0 - (address >> 2)) & 3);  // pixels up to the next group
+                const int b = h ? 4 - h : 0;                               // lane of the first pixel
+                const int hc = std::min(h, n), m = (n - hc) >> 2, t = n - 4 * m - hc;
+
+                spangroup<M> g;
+                const float zl = _mm_cvtss_f32(_mm_shuffle_ps(edge, edge, 1));
+                const float dz = (_mm_cvtss_f32(_mm_shuffle_ps(edge, edge, 3)) - zl) * inv;
+                const float z0 = dz * skip + zl;
+                const float zfirst = spanlanes::firstz(z0, dz, b);
+                g.z = _mm_add_ps(_mm_set1_ps(zfirst), _mm_mul_ps(_mm_setr_ps(0.0f, 1.0f, 2.0f, 3.0f), _mm_set1_ps(dz)));
+                g.zstep4 = _mm_mul_ps(_mm_set1_ps(4.0f), _mm_set1_ps(dz));
+                const __m128 invs = _mm_set1_ps(inv), skips = _mm_set1_ps(skip);
+                if constexpr (rules::colour) g.modulate = {spanlanes::colourrow(modulate, invs, skips), b};
+                if constexpr (rules::add) g.addcolour = {spanlanes::colourrow(addcolour, invs, skips), b};
+                if constexpr (rules::textured) {
+                    // u and v at the first pixel, then per pixel of a pair and per pair.
+                    __m128 d = _mm_mul_ps(_mm_sub_ps(_mm_movehl_ps(uv, uv), uv), invs);
+                    d = _mm_movelh_ps(d, d);
+                    __m128 start = _mm_add_ps(uv, _mm_mul_ps(skips, d));
+                    start = _mm_sub_ps(_mm_movelh_ps(start, start), _mm_mul_ps(_mm_set1_ps(static_cast<float>(b)), d));
+                    g.pairs[0] = _mm_movelh_ps(start, _mm_add_ps(start, d));
+                    g.pairs[1] = _mm_add_ps(g.pairs[0], _mm_mul_ps(_mm_set1_ps(2.0f), d));
+                    g.pairstep4 = _mm_mul_ps(_mm_set1_ps(4.0f), d);
+                }
+
+                uint32_t* pg = rules::colour ? colourbase + (offset - b) : nullptr;
+                float* qg = rules::test ? depthbase + (offset - b) : nullptr;
+                if (h) {
+                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(b + hc), spanlanes::lanesfrom(b)),
+                                 texels, blendfactor);
+                    g.advance();
+                    next(pg, qg);
+                }
+                for (int i = 0; i < m; ++i, next(pg, qg)) {
+                    group<true>(g, pg, qg, _mm_set1_epi32(-1), texels, blendfactor);
+                    g.advance();
+                }
+                if (t)
+                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), texels,
+                                 blendfactor);
+            }
+            edge = _mm_add_ps(edge, edgestep);
+            if constexpr (rules::colour) modulate = _mm_add_epi16(modulate, modulatestep);
+            if constexpr (rules::add) addcolour = _mm_add_epi16(addcolour, addcolourstep);
+            if constexpr (rules::textured) uv = _mm_add_ps(uv, uvstep);
+        }
+        s->y = y;
+        _mm_store_ps(s->edge, edge);
+        if constexpr (rules::colour) _mm_store_si128(reinterpret_cast<__m128i*>(s->modulate), modulate);
+        if constexpr (rules::add) _mm_store_si128(reinterpret_cast<__m128i*>(s->addcolour), addcolour);
+        if constexpr (rules::textured) _mm_store_ps(s->uv, uv);
+    }
+};
+
+template <spanmember M>
+inline constexpr spanfunction drawspan = &spanframe<M>::draw;

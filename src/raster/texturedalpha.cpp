@@ -1,0 +1,3 @@
+#include "raster/memberfile.h"
+
+constinit const texturedfile<alphamode::alpha> alphamembers = buildmembers<texturedfile<alphamode::alpha>>();

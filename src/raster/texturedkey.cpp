@@ -1,0 +1,3 @@
+#include "raster/memberfile.h"
+
+constinit const texturedfile<alphamode::key> keymembers = buildmembers<texturedfile<alphamode::key>>();

@@ -1,0 +1,3 @@
+#include "raster/memberfile.h"
+
+constinit const texturedfile<alphamode::opaque> opaquemembers = buildmembers<texturedfile<alphamode::opaque>>();
