@@ -58,7 +58,7 @@ protected:
         t.fogoverride = rng() % 2;
         // The loaded textures as a reload may leave them, unlike their descriptors.
         for (texturerecord& r : store->records) r.value = int(rng() % 3), r.flagfive = rng() % 2;
-        for (int i = 0; i < width * height; ++i) colour[i] = randompixel(rng), depth[i] = uniform(0.9f, 1.0f);
+        for (int i = 0; i < width * height; ++i) colour[i] = rng.pixel(), depth[i] = uniform(0.9f, 1.0f);
         // Scaled down about a hundred times, turned any way, and now and then far off to the side.
         for (int i = 0; i < 12; ++i) matrix[i] = i % 4 == 3 ? 0.0f : uniform(-0.012f, 0.012f);
         matrix[12] = uniform(-5, 5) + (rng() % 8 ? 0.0f : 10000.0f), matrix[13] = uniform(-5, 5);
@@ -98,7 +98,7 @@ TEST_F(modelrender, sunandpointlighttermsfollowtherules) {
         t.ambient = uniform(-2, 2), t.diffuse = uniform(-2, 2), t.lightfactor = uniform(-2, 2);
         alignas(16) quad n = {uniform(-1, 1), uniform(-1, 1), uniform(-1, 1), float(rng() % 4)};
         float scale = rng() % 50 ? 768.0f / float(1 + rng() % 2000) : INFINITY, p[3] = {uniform(-9, 9), 1, 1};
-        uint32_t colour = randompixel(rng), sun = modelreference::sun(colour, n, scale, t);
+        uint32_t colour = rng.pixel(), sun = modelreference::sun(colour, n, scale, t);
         ASSERT_EQ(sunterm(colour, n, scale, t), sun) << round;
         lights.count = int(rng() % 5);
         for (int l = 0; l < 16; ++l)

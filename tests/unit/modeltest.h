@@ -79,7 +79,7 @@ protected:
             d.value = int(rng() % 3), d.type = rng() % 4 ? 0 : 6, d.speedu = int8_t(rng() % 4 ? 0 : rng());
             d.hidden = rng() % 3 == 0, d.flagthree = rng() % 4 == 0;
             d.blend = uint8_t(rng() % 2 ? rng() : 0), d.bright = uint8_t(rng() % 2 ? rng() : 0);
-            for (uint32_t& p : pixels) p = rng() % 4 ? randompixel(rng) : 0;
+            for (uint32_t& p : pixels) p = rng() % 4 ? rng.pixel() : 0;
             if (id < loadedtextures) loadtexture(*store, id, d, pixels.data());
         }
     }
