@@ -90,7 +90,7 @@ class BindingTest {
         palette.EA(null, t, GLYPHS, colours, WIDTHS, HEIGHTS, LEFTS, TOPS);
 
         // The toolkit's drawing, target and state.
-        draws("ja.ba", () -> t.ba(3, C), W - 1, H - 1, 1, 1, C);
+        draws("ja.ba", () -> t.ba(1, C), 0, 0, 1, 1, C);
         draws("ja.B", () -> t.B(1, 1, 2, 2, C, 0), 2, 2, 2, 1, C, 0);
         draws("ja.XA", () -> t.XA(1, 0, 3, C, 0), 3, 0, 2, 1, C, 0);
         draws("ja.G", () -> t.G(0, 1, 3, C, 0), 0, 3, 1, 2, C, 0);

@@ -21,16 +21,18 @@ class PresentTest {
     static final long DEADLINE_MS = 60_000;
 
     Robot robot;
-    Point at;
+    Canvas component;
 
     // Presents and reads the screen until every (x, y, rgb) triple of the component holds,
-    // presenting again each time: a window only just mapped may not show the first presents.
+    // presenting again and asking where the component is each time: a window only just mapped
+    // may not show the first presents, nor be where it ends up.
     void expectscreen(Runnable present, int... triples) {
         long end = System.currentTimeMillis() + DEADLINE_MS;
         String wrong;
         do {
             present.run();
             robot.waitForIdle();
+            Point at = component.getLocationOnScreen();
             wrong = "";
             for (int i = 0; i < triples.length; i += 3) {
                 int seen = robot.getPixelColor(at.x + triples[i], at.y + triples[i + 1]).getRGB() & 0xFFFFFF;
@@ -38,6 +40,7 @@ class PresentTest {
                     wrong += String.format(" at %d,%d %06x for %06x", triples[i], triples[i + 1], seen, triples[i + 2]);
             }
             if (wrong.isEmpty()) return;
+            wrong += " with the component at " + at + (component.isShowing() ? "" : ", not showing");
             robot.delay(50);
         } while (System.currentTimeMillis() < end);
         fail("the screen shows" + wrong);
@@ -53,7 +56,7 @@ class PresentTest {
     void shownpixelsarriveexactlywheretheybelong() throws Exception {
         assumeFalse(GraphicsEnvironment.isHeadless(), "no display");
         Frame frame = new Frame("wexel");
-        Canvas component = new Canvas();
+        component = new Canvas();
         component.setSize(64, 48);
         frame.add(component);
         frame.pack();
@@ -71,7 +74,6 @@ class PresentTest {
         long end = System.currentTimeMillis() + DEADLINE_MS;
         while (!component.isShowing() && System.currentTimeMillis() < end) robot.delay(20);
         robot.waitForIdle();
-        at = component.getLocationOnScreen();
         ja toolkit = new ja();
         toolkit.q(null, 0, 0);
         za canvas = new za();

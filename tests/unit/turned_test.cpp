@@ -9,24 +9,17 @@
 #include <random>
 #include <vector>
 
-#include "guarded.h"
 #include "sprite/drawturned.h"
-#include "toolkit/blend.h"
 #include "sprite/parallelogram.h"
+#include "target.h"
+#include "toolkit/blend.h"
 
 namespace {
 
-struct scene {
-    int width, height;
-    std::vector<uint32_t> colour;
-    toolkit t{};
-    scene(int w, int h) : width(w), height(h), colour(size_t(w) * h) {
-        t.width = w;
-        t.height = h;
-        t.colourbuffer = colour.data();
-        setcliprect(t, 0, 0, w, h);
-    }
-    uint32_t at(int x, int y) const { return colour[size_t(y) * width + x]; }
+// A cleared 48 by 40 target.
+struct scene : testtarget {
+    const int width = 48, height = 40;
+    scene() : testtarget(48, 40) { std::fill(colour.get(), colour.get() + pixels(), 0u); }
 };
 
 // An opaque image whose every pixel tells its own column and row.
@@ -49,8 +42,9 @@ constexpr int plain = 1;
 // (column, row) that lands at (x, y), or false where nothing lands.
 void expectmapping(corners c, const spriteimage& image,
                    const std::function<bool(int x, int y, int& col, int& row)>& expect) {
-    scene s(48, 40);
+    scene s;
     drawturned(s.t, image, c, plain, 0, replace);
+    ASSERT_TRUE(s.colour.intact());
     for (int y = 0; y < s.height; ++y)
         for (int x = 0; x < s.width; ++x) {
             int col, row;
@@ -128,7 +122,7 @@ TEST(turneddraw, samplesfollowtheexactinversemapping) {
         double x0 = real(0, 48), y0 = real(0, 40);
         corners c{float(x0),          float(y0),          float(x0 + ex * fw),
                   float(y0 + ey * fw), float(x0 + gx * fh), float(y0 + gy * fh)};
-        scene s(48, 40);
+        scene s;
         drawturned(s.t, image, c, plain, 0, replace);
         double e1x = c.x1 - c.x0, e1y = c.y1 - c.y0, e2x = c.x2 - c.x0, e2y = c.y2 - c.y0;
         double det = e1x * e2y - e2x * e1y;
