@@ -75,6 +75,37 @@ constexpr trianglemember rawmember(bool colour, bool depth) {
         {recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, colour, false});
 }
 
+// A textured ground face on a target with colour and depth: its recipe, layers and shadow map,
+// and whether it asks to be blended.
+struct groundselection {
+    recipe fold;
+    layers layer;
+    blended blend;
+    shadowed shadow;
+};
+
+// The ground's spans repeat their textures and write every texel as opaque. Only one-texture faces
+// without shade blend, and the blended `single` span alone leaves depth as it was.
+constexpr spanmember groundspan(const groundselection& g) {
+    const bool one = g.layer == layers::single || g.layer == layers::singlescaled;
+    const bool shade = g.fold == recipe::fogshade || g.fold == recipe::shadeonly;
+    const blended b = one && !shade ? g.blend : blended::no;
+    const depthmode d = g.layer == layers::single && b == blended::yes ? depthmode::testonly : depthmode::testwrite;
+    return spanmember(shading::textured, d, alphamode::opaque, wrapmode::repeat, b,
+                      g.fold == recipe::plain ? addterm::no : addterm::yes, g.layer, g.shadow);
+}
+
+constexpr trianglemember groundtriangle(const groundselection& g) { return withrecipe(g.fold, groundspan(g)); }
+
+template <class Visit>
+constexpr void everygroundface(Visit visit) {
+    for (int r = 0; r < axiscount<recipe>; ++r)
+        for (int l = 0; l < axiscount<layers>; ++l)
+            for (int b = 0; b < axiscount<blended>; ++b)
+                for (int s = 0; s < axiscount<shadowed>; ++s)
+                    visit(groundselection{recipe(r), layers(l), blended(b), shadowed(s)});
+}
+
 // Every face the model table knows, on a target with at least one buffer.
 template <class Visit>
 constexpr void everyface(Visit visit) {
@@ -109,23 +140,27 @@ constexpr auto distinct(Pick pick) {
     everyface([&](const faceselection& f) { add(modeltriangle(f)); });
     add(rawmember(true, true));
     add(rawmember(false, true));
+    everygroundface([&](const groundselection& g) { add(groundtriangle(g)); });
     return std::pair{list, n};
 }
 
 }  // namespace rastermembers
 
 // 42 textured spans (five a row for alpha-mode textures, four for the others), four Gouraud ones,
-// the depth-only span, and for the host's free triangle the unblended Gouraud span that only tests
-// depth and the walk that stores nothing.
-inline constexpr std::array<spanmember, 49> spanmembers =
-    rastermembers::distinct<49>([](const trianglemember& m) { return spanof(m); }).first;
-static_assert(rastermembers::distinct<49>([](const trianglemember& m) { return spanof(m); }).second == 49);
+// the depth-only span, for the host's free triangle the unblended Gouraud span that only tests
+// depth and the walk that stores nothing, and 22 of the ground's 24: its plain one-texture spans
+// without shadow map are the model's opaque repeating ones.
+inline constexpr std::array<spanmember, 71> spanmembers =
+    rastermembers::distinct<71>([](const trianglemember& m) { return spanof(m); }).first;
+static_assert(rastermembers::distinct<71>([](const trianglemember& m) { return spanof(m); }).second == 71);
 
 // A span that serves several recipes has a triangle function for each: eight a row of textures,
-// sixteen Gouraud members, the depth-only one, and the two of the free triangle.
-inline constexpr std::array<trianglemember, 99> trianglemembers =
-    rastermembers::distinct<99>([](const trianglemember& m) { return m; }).first;
-static_assert(rastermembers::distinct<99>([](const trianglemember& m) { return m; }).second == 99);
+// sixteen Gouraud members, the depth-only one, the two of the free triangle, and the ground's: four
+// recipes for each of its eight unblended layer and map pairs, two for each of its four blended
+// ones, less the four it shares with models.
+inline constexpr std::array<trianglemember, 135> trianglemembers =
+    rastermembers::distinct<135>([](const trianglemember& m) { return m; }).first;
+static_assert(rastermembers::distinct<135>([](const trianglemember& m) { return m; }).second == 135);
 
 // The table of model and free-triangle spans as it stands, checked against the rule above when the
 // library is compiled: a row per texture mode or Gouraud kind, a column per target and recipe (with
@@ -190,14 +225,39 @@ static_assert(holds());
 
 }  // namespace rastertable
 
-// The members are built in five files, by shading and alpha mode, so that they build in parallel
-// and a change to one kind of pixel rebuilds only its file.
+// The members are built in seven files, by shading and alpha mode and for the ground by shadow
+// map, so that they build in parallel and a change to one kind of pixel rebuilds only its file.
 template <const auto& list>
 inline constexpr auto gouraudslice = slice<list, shading, shading::gouraud>();
 template <const auto& list>
 inline constexpr auto colourlessslice = slice<list, shading, shading::colourless>();
+// The ground's own members, those with more than one plain layer or with a shadow map, build in
+// two files of their own, by shadow map.
+template <class M>
+constexpr bool groundonly(const M& m) {
+    return m.template get<layers>() != layers::single || m.template get<shadowed>() == shadowed::yes;
+}
+template <const auto& list, bool ground>
+constexpr auto groundpart() {
+    constexpr size_t count = [] {
+        size_t n = 0;
+        for (const auto& m : list) n += groundonly(m) == ground;
+        return n;
+    }();
+    std::array<std::remove_cvref_t<decltype(list[0])>, count> out{};
+    size_t n = 0;
+    for (const auto& m : list)
+        if (groundonly(m) == ground) out[n++] = m;
+    return out;
+}
 template <const auto& list>
-inline constexpr auto texturedslice = slice<list, shading, shading::textured>();
+inline constexpr auto sharedpart = groundpart<list, false>();
+template <const auto& list>
+inline constexpr auto groundpartof = groundpart<list, true>();
+template <const auto& list, shadowed s>
+inline constexpr auto groundslice = slice<groundpartof<list>, shadowed, s>();
+template <const auto& list>
+inline constexpr auto texturedslice = slice<sharedpart<list>, shading, shading::textured>();
 template <const auto& list, alphamode a>
 inline constexpr auto alphaslice = slice<texturedslice<list>, alphamode, a>();
 
@@ -223,11 +283,16 @@ using colourlessfile = memberfile<colourlessslice<trianglemembers>, colourlesssl
 template <alphamode a>
 using texturedfile = memberfile<alphaslice<trianglemembers, a>, alphaslice<spanmembers, a>>;
 
+template <shadowed s>
+using groundfile = memberfile<groundslice<trianglemembers, s>, groundslice<spanmembers, s>>;
+
 extern const gouraudfile gouraudmembers;
 extern const colourlessfile colourlessmembers;
 extern const texturedfile<alphamode::opaque> opaquemembers;
 extern const texturedfile<alphamode::key> keymembers;
 extern const texturedfile<alphamode::alpha> alphamembers;
+extern const groundfile<shadowed::no> groundmembers;
+extern const groundfile<shadowed::yes> shadowedgroundmembers;
 
 // The function of any member; null for a combination that is not a member.
 trianglefunction trianglefor(const trianglemember& m);

@@ -39,12 +39,15 @@ enum class addterm { no, yes };
 constexpr std::array<std::string_view, 2> axisnames(addterm) { return {"noadd", "add"}; }
 
 // Ground faces mix layers of texture and darken by a shadow map; models and free triangles use
-// one layer and no map.
-enum class layers { single };
-constexpr std::array<std::string_view, 1> axisnames(layers) { return {"single"}; }
+// one layer and no map. `singlescaled` moves its one texture by `uvscale` and `uvoffset`;
+// `triple` mixes three by the weights of the corners, `triplescaled` each moved by its own.
+enum class layers { single, singlescaled, triple, triplescaled };
+constexpr std::array<std::string_view, 4> axisnames(layers) {
+    return {"single", "singlescaled", "triple", "triplescaled"};
+}
 
-enum class shadowed { no };
-constexpr std::array<std::string_view, 1> axisnames(shadowed) { return {"unshadowed"}; }
+enum class shadowed { no, yes };
+constexpr std::array<std::string_view, 2> axisnames(shadowed) { return {"unshadowed", "shadowed"}; }
 
 // A record's `value` as its alpha mode: 2 alpha, 1 key, anything else opaque.
 constexpr alphamode alphamodeof(int value) {
@@ -99,6 +102,11 @@ using spanfunction = void (*)(rasterspan*);
 // is never blended. A target without colour gets the depth-only member; without either, null.
 trianglefunction choosetriangle(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth);
 spanfunction choosespan(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth);
+
+// The triangle function of a textured ground face on a target with colour and depth. Blending
+// holds only for one-texture faces without shade; a blended `single` face tests depth without
+// writing it.
+trianglefunction choosegroundtriangle(recipe r, layers l, blended b, shadowed s);
 
 // The host's free Gouraud triangle: with both buffers it tests depth and leaves it as it was;
 // with depth alone it walks its rows and stores nothing; without colour or depth, null.

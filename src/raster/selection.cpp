@@ -14,6 +14,7 @@ constexpr auto slotof(const Member& m) {
         if (file.builds(m)) found = file.find(m);
     };
     look(gouraudmembers), look(colourlessmembers), look(opaquemembers), look(keymembers), look(alphamembers);
+    look(groundmembers), look(shadowedgroundmembers);
     return found;
 }
 
@@ -32,6 +33,19 @@ constexpr auto selectiontable(Slot slot) {
     everyface([&](const faceselection& f) { table[size_t(selectionkey(f))] = slot(modeltriangle(f)); });
     return table;
 }
+
+constexpr int groundkey(const groundselection& g) {
+    const int key = (int(g.fold) * axiscount<layers> + int(g.layer)) * axiscount<blended> + int(g.blend);
+    return key * axiscount<shadowed> + int(g.shadow);
+}
+
+constexpr auto groundselectiontable = [] {
+    std::array<const trianglefunction*,
+               axiscount<recipe> * axiscount<layers> * axiscount<blended> * axiscount<shadowed>>
+        table{};
+    everygroundface([&](const groundselection& g) { table[size_t(groundkey(g))] = slotof(groundtriangle(g)); });
+    return table;
+}();
 
 constexpr auto triangleselection = selectiontable([](const trianglemember& m) { return slotof(m); });
 constexpr auto spanselection = selectiontable([](const trianglemember& m) { return slotof(spanof(m)); });
@@ -60,4 +74,8 @@ spanfunction choosespan(recipe r, shading s, alphamode a, wrapmode w, blended b,
 
 trianglefunction rawtriangle(bool colour, bool depth) {
     return colour || depth ? trianglefor(rawmember(colour, depth)) : nullptr;
+}
+
+trianglefunction choosegroundtriangle(recipe r, layers l, blended b, shadowed s) {
+    return *groundselectiontable[size_t(groundkey({r, l, b, s}))];
 }

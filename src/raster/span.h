@@ -38,9 +38,11 @@ namespace spanlanes {
 // 65535 and the step to signed 16 bits; along the row the lanes wrap.
 struct colourrow {
     __m128i start, step;  // both in each half of the 16-byte slot
-    [[gnu::always_inline]] colourrow(__m128i lanes, __m128 inv, __m128 skip) {
-        __m128 l = _mm_cvtepi32_ps(_mm_unpacklo_epi16(lanes, _mm_setzero_si128()));
-        __m128 r = _mm_cvtepi32_ps(_mm_unpackhi_epi16(lanes, _mm_setzero_si128()));
+    [[gnu::always_inline]] colourrow(__m128i lanes, __m128 inv, __m128 skip)
+        : colourrow(_mm_cvtepi32_ps(_mm_unpacklo_epi16(lanes, _mm_setzero_si128())),
+                    _mm_cvtepi32_ps(_mm_unpackhi_epi16(lanes, _mm_setzero_si128())), inv, skip) {}
+    // The same from float ends, as the layer weights are held.
+    [[gnu::always_inline]] colourrow(__m128 l, __m128 r, __m128 inv, __m128 skip) {
         __m128 d = _mm_mul_ps(_mm_sub_ps(r, l), inv);
         __m128i c = _mm_sub_epi32(_mm_cvttps_epi32(_mm_add_ps(l, _mm_mul_ps(skip, d))), _mm_set1_epi32(0x8000));
         __m128i dc = _mm_cvttps_epi32(d);
@@ -80,6 +82,10 @@ struct spanrules {
     static constexpr bool zwrite = depth == depthmode::testwrite;
     static constexpr bool blend = M.get<blended>() == blended::yes;
     static constexpr bool add = M.get<addterm>() == addterm::yes;
+    static constexpr bool mixed = M.get<layers>() == layers::triple || M.get<layers>() == layers::triplescaled;
+    static constexpr bool moved = M.get<layers>() == layers::singlescaled || M.get<layers>() == layers::triplescaled;
+    static constexpr bool shadow = M.get<shadowed>() == shadowed::yes;
+    static constexpr int layercount = !textured ? 0 : mixed ? 3 : 1;
     static constexpr alphamode alpha = M.get<alphamode>();
     // The old colour is read for every group: the new one depends on it.
     static constexpr bool readsold = blend || alpha == alphamode::alpha;
@@ -93,12 +99,14 @@ struct spangroup {
     using rules = spanrules<M>;
     __m128 z, zstep4;
     spanlanes::colourgroup modulate, addcolour;
+    spanlanes::colourgroup weights[2];  // w0 and w1, each pixel's in all four of its lanes
     __m128 pairs[2], pairstep4;  // u, v of pixels 0 and 1, of pixels 2 and 3
 
     [[gnu::always_inline]] void advance() {
         z = _mm_add_ps(z, zstep4);
         if constexpr (rules::colour) modulate.advance();
         if constexpr (rules::add) addcolour.advance();
+        if constexpr (rules::mixed) weights[0].advance(), weights[1].advance();
         if constexpr (rules::textured) {
             pairs[0] = _mm_add_ps(pairs[0], pairstep4);
             pairs[1] = _mm_add_ps(pairs[1], pairstep4);
@@ -107,11 +115,13 @@ struct spangroup {
 
     // The group's pixels, given its old colour where the member reads it; `keep` gets the lanes a
     // texel leaves as they were.
-    [[gnu::always_inline]] __m128i pixels(const uint32_t* texels, __m128i old, uint32_t blendfactor,
+    [[gnu::always_inline]] __m128i pixels(const texelsource& source, __m128i old, uint32_t blendfactor,
                                           __m128i& keep) const {
-        if constexpr (rules::textured)
-            return texelpixels<M>(texels, z, pairs, modulate.low, modulate.high, addcolour.low, addcolour.high, old,
+        if constexpr (rules::textured) {
+            const pixellanes w[2] = {{weights[0].low, weights[0].high}, {weights[1].low, weights[1].high}};
+            return texelpixels<M>(source, z, pairs, modulate.low, modulate.high, addcolour.low, addcolour.high, w, old,
                                   blendfactor, keep);
+        }
         if constexpr (rules::blend) {
             // The new colour weighs a, the old 256 - a, both as the high half of 16-bit products.
             __m128i a = _mm_set1_epi32(static_cast<int>(blendfactor));
@@ -134,7 +144,7 @@ struct spanframe {
     // group inside the span, all four in the body.
     template <bool whole>
     [[gnu::always_inline]] static void group(const spangroup<M>& g, uint32_t* p, float* q, __m128i lanes,
-                                             const uint32_t* texels, uint32_t blendfactor) {
+                                             const texelsource& source, uint32_t blendfactor) {
         __m128i pass = lanes;
         __m128 oldz = _mm_setzero_ps();
         if constexpr (rules::test) {
@@ -149,7 +159,7 @@ struct spanframe {
         } else {
             __m128i old = rules::readsold ? _mm_load_si128(reinterpret_cast<const __m128i*>(p)) : _mm_setzero_si128();
             __m128i keep = _mm_setzero_si128();
-            __m128i pixels = g.pixels(texels, old, blendfactor, keep);
+            __m128i pixels = g.pixels(source, old, blendfactor, keep);
             if constexpr (rules::texelmask) pass = _mm_andnot_si128(keep, pass);
             if (whole && ((!rules::test && !rules::texelmask) || _mm_movemask_ps(_mm_castsi128_ps(pass)) == 15)) {
                 _mm_store_si128(reinterpret_cast<__m128i*>(p), pixels);
@@ -185,7 +195,19 @@ struct spanframe {
         // clip whose width wrapped then ends at its own right side, never past the target.
         const int viewx = state.viewport[0], clipx = state.rasterclip[0];
         const int right = std::min(viewx + state.viewport[2], clipx + state.rasterclip[2]);
-        const uint32_t* const texels = rules::textured ? s->texels[0] : nullptr;
+        texelsource source{};
+        // Only the layers and moves of the member are read.
+        for (int k = 0; k < rules::layercount; ++k) {
+            source.texels[k] = s->texels[k];
+            if constexpr (rules::moved) {
+                source.uvscale[k] = _mm_load_ps(s->uvscale[k]);
+                source.uvoffset[k] = _mm_load_ps(s->uvoffset[k]);
+            }
+        }
+        if constexpr (rules::shadow) {
+            source.shadowmap = s->shadowmap;
+            source.shadowshift = _mm_load_si128(reinterpret_cast<const __m128i*>(s->shadowshift));
+        }
         const uint32_t blendfactor = rules::blend ? s->blendfactor : 0;
 
         __m128 edge = _mm_load_ps(s->edge);
@@ -200,6 +222,8 @@ struct spanframe {
         const __m128i addcolourstep = lanes(s->addcolourstep, rules::add);
         __m128 uv = rules::textured ? _mm_load_ps(s->uv) : _mm_setzero_ps();
         const __m128 uvstep = rules::textured ? _mm_load_ps(s->uvstep) : _mm_setzero_ps();
+        __m128 weights = rules::mixed ? _mm_load_ps(s->weights) : _mm_setzero_ps();
+        const __m128 weightstep = rules::mixed ? _mm_load_ps(s->weightstep) : _mm_setzero_ps();
         int y = s->y;
 
         for (int row = 0; row < s->rows; ++row, ++y) {
@@ -240,6 +264,13 @@ struct spanframe {
                 const __m128 invs = _mm_set1_ps(inv), skips = _mm_set1_ps(skip);
                 if constexpr (rules::colour) g.modulate = {spanlanes::colourrow(modulate, invs, skips), b};
                 if constexpr (rules::add) g.addcolour = {spanlanes::colourrow(addcolour, invs, skips), b};
+                if constexpr (rules::mixed)
+                    for (int k = 0; k < 2; ++k) {
+                        // Weight k of the left end and of the right end, in every lane.
+                        const __m128 l = _mm_shuffle_ps(weights, weights, k * 0x55);
+                        const __m128 r = _mm_shuffle_ps(weights, weights, (k + 2) * 0x55);
+                        g.weights[k] = {spanlanes::colourrow(l, r, invs, skips), b};
+                    }
                 if constexpr (rules::textured) {
                     // u and v at the first pixel, then per pixel of a pair and per pair.
                     __m128 d = _mm_mul_ps(_mm_sub_ps(_mm_movehl_ps(uv, uv), uv), invs);
@@ -255,28 +286,30 @@ struct spanframe {
                 float* qg = rules::test ? depthbase + (offset - b) : nullptr;
                 if (h) {
                     group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(b + hc), spanlanes::lanesfrom(b)),
-                                 texels, blendfactor);
+                                 source, blendfactor);
                     g.advance();
                     next(pg, qg);
                 }
                 for (int i = 0; i < m; ++i, next(pg, qg)) {
-                    group<true>(g, pg, qg, _mm_set1_epi32(-1), texels, blendfactor);
+                    group<true>(g, pg, qg, _mm_set1_epi32(-1), source, blendfactor);
                     g.advance();
                 }
                 if (t)
-                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), texels,
+                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), source,
                                  blendfactor);
             }
             edge = _mm_add_ps(edge, edgestep);
             if constexpr (rules::colour) modulate = _mm_add_epi16(modulate, modulatestep);
             if constexpr (rules::add) addcolour = _mm_add_epi16(addcolour, addcolourstep);
             if constexpr (rules::textured) uv = _mm_add_ps(uv, uvstep);
+            if constexpr (rules::mixed) weights = _mm_add_ps(weights, weightstep);
         }
         s->y = y;
         _mm_store_ps(s->edge, edge);
         if constexpr (rules::colour) _mm_store_si128(reinterpret_cast<__m128i*>(s->modulate), modulate);
         if constexpr (rules::add) _mm_store_si128(reinterpret_cast<__m128i*>(s->addcolour), addcolour);
         if constexpr (rules::textured) _mm_store_ps(s->uv, uv);
+        if constexpr (rules::mixed) _mm_store_ps(s->weights, weights);
     }
 };
 

@@ -67,6 +67,12 @@ struct triangleframe {
     static constexpr bool add = M.get<addterm>() == addterm::yes;
     static constexpr bool fog = M.get<recipe>() == recipe::fogshade || M.get<recipe>() == recipe::fogonly;
     static constexpr bool shade = M.get<recipe>() == recipe::fogshade || M.get<recipe>() == recipe::shadeonly;
+    static constexpr layers layer = M.get<layers>();
+    static constexpr bool mixed = layer == layers::triple || layer == layers::triplescaled;
+    static constexpr bool shadowmap = M.get<shadowed>() == shadowed::yes;
+    // A scaled single layer without shadow map is scaled at its corners; the map wants the
+    // coordinates unscaled, so with it the span scales them.
+    static constexpr bool cornerscaled = layer == layers::singlescaled && !shadowmap;
 
     // Modulate and add colours of one vertex, in float lanes; a Gouraud vertex has their sum.
     [[gnu::always_inline]] static void vertexcolour(const rastertriangle* t, int i, __m128 z, __m128& modulate,
@@ -179,7 +185,11 @@ struct triangleframe {
         __m128 uvtm, uvtb, uvmb;
         if constexpr (textured) {
             // u and v over z: the span multiplies them back by its interpolated z.
-            for (int i = 0; i < 3; ++i) uz[i] = _mm_mul_ps(_mm_load_ps(t->uv[order[i]]), spread<2>(_mm_rcp_ps(p[i])));
+            for (int i = 0; i < 3; ++i) {
+                __m128 uv = _mm_load_ps(t->uv[order[i]]);
+                if constexpr (cornerscaled) uv = _mm_mul_ps(uv, _mm_load_ps(t->uvscale[0]));
+                uz[i] = _mm_mul_ps(uv, spread<2>(_mm_rcp_ps(p[i])));
+            }
             uvtm = _mm_mul_ps(_mm_sub_ps(uz[1], uz[0]), reciprocal[0]);
             uvtb = _mm_mul_ps(_mm_sub_ps(uz[2], uz[0]), reciprocal[1]);
             uvmb = _mm_mul_ps(_mm_sub_ps(uz[2], uz[1]), reciprocal[2]);
@@ -187,6 +197,32 @@ struct triangleframe {
             _mm_store_ps(s.uvstep, step);
             _mm_store_ps(s.uv, _mm_add_ps(uz[0], _mm_mul_ps(skips, step)));
             s.texels[0] = t->texels[0];
+        }
+        // Layer weights of the corners, w0 and w1 twice: all of the first layer at vertex 0, of the
+        // second at vertex 1, of the third at vertex 2.
+        __m128 w[3], wtm, wtb, wmb;
+        if constexpr (mixed) {
+            for (int i = 0; i < 3; ++i)
+                w[i] = order[i] == 0   ? _mm_setr_ps(65535.0f, 0.0f, 65535.0f, 0.0f)
+                       : order[i] == 1 ? _mm_setr_ps(0.0f, 65535.0f, 0.0f, 65535.0f)
+                                       : _mm_setzero_ps();
+            wtm = _mm_mul_ps(_mm_sub_ps(w[1], w[0]), reciprocal[0]);
+            wtb = _mm_mul_ps(_mm_sub_ps(w[2], w[0]), reciprocal[1]);
+            wmb = _mm_mul_ps(_mm_sub_ps(w[2], w[1]), reciprocal[2]);
+            __m128 step = tbleft ? halves(wtb, wtm) : halves(wtm, wtb);
+            _mm_store_ps(s.weightstep, step);
+            _mm_store_ps(s.weights, _mm_add_ps(w[0], _mm_mul_ps(skips, step)));
+            s.texels[1] = t->texels[1], s.texels[2] = t->texels[2];
+        }
+        if constexpr (layer == layers::singlescaled || layer == layers::triplescaled)
+            for (int k = 0; k < (mixed ? 3 : 1); ++k) {
+                _mm_store_ps(s.uvscale[k], _mm_load_ps(t->uvscale[k]));
+                _mm_store_ps(s.uvoffset[k], _mm_load_ps(t->uvoffset[k]));
+            }
+        if constexpr (shadowmap) {
+            s.shadowmap = t->shadowmap;
+            _mm_store_si128(reinterpret_cast<__m128i*>(s.shadowshift),
+                            _mm_load_si128(reinterpret_cast<const __m128i*>(t->shadowshift)));
         }
         if constexpr (M.get<blended>() == blended::yes) s.blendfactor = t->blendfactor;
 
@@ -226,6 +262,10 @@ struct triangleframe {
         if constexpr (textured) {
             _mm_store_ps(s.uvstep, replace(uvmb, _mm_load_ps(s.uvstep)));
             _mm_store_ps(s.uv, replace(_mm_add_ps(uz[1], _mm_mul_ps(skips2, uvmb)), _mm_load_ps(s.uv)));
+        }
+        if constexpr (mixed) {
+            _mm_store_ps(s.weightstep, replace(wmb, _mm_load_ps(s.weightstep)));
+            _mm_store_ps(s.weights, replace(_mm_add_ps(w[1], _mm_mul_ps(skips2, wmb)), _mm_load_ps(s.weights)));
         }
         s.rows = static_cast<int>(rows);
         drawspan<span>(&s);

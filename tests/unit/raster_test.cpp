@@ -27,7 +27,9 @@ float depth(testrng& rng) { return anyof(rng, {0.25f, 0.5f, 0.75f, uniform(rng, 
 uint16_t lane(testrng& rng) { return static_cast<uint16_t>(rng() % 4 ? (rng.pixel() & 0xFF) << 8 : rng()); }
 
 // The buffers, viewport, clip and fog of one case, the same in both targets, and a triangle.
-rastertriangle scene(testrng& rng, guarded<uint32_t>* colour, guarded<float>* depths, const uint32_t* texels) {
+// Ground faces read three layers 128 rows apart and a shadow map of rows of 256.
+rastertriangle scene(testrng& rng, guarded<uint32_t>* colour, guarded<float>* depths, const uint32_t* texels,
+                     const uint8_t* shadowmap = nullptr) {
     for (int i = 0; i < pixels; ++i) {
         colour[0][i] = colour[1][i] = rng.pixel();
         depths[0][i] = depths[1][i] = rng() % 64 ? depth(rng) : NAN;
@@ -53,22 +55,32 @@ rastertriangle scene(testrng& rng, guarded<uint32_t>* colour, guarded<float>* de
         t.shadefactor[v] = anyof(rng, {0.0f, 1.0f, uniform(rng, 0.0f, 1.0f)});
     }
     t.blendfactor = (rng.pixel() & 0xFF) * 0x10001;
-    t.texels[0] = texels;
+    for (int k = 0; k < 3; ++k) {
+        t.texels[k] = texels + k * 128 * 256;
+        const float su = anyof(rng, {1.0f, 0.5f, uniform(rng, 0.1f, 4.0f)}), sv = anyof(rng, {su, 2.0f});
+        const float ou = uniform(rng, -300.0f, 300.0f), ov = uniform(rng, -300.0f, 300.0f);
+        for (int i = 0; i < 4; i += 2)
+            t.uvscale[k][i] = su, t.uvscale[k][i + 1] = sv, t.uvoffset[k][i] = ou, t.uvoffset[k][i + 1] = ov;
+    }
+    t.shadowmap = shadowmap;
+    t.shadowshift[0] = anyof(rng, {0, 1, 3, 7, 16});
     return t;
 }
 
 class raster : public statetest {};
 
 TEST_F(raster, everymembermatchesthereference) {
-    guarded<uint32_t> colour[2] = {guarded<uint32_t>(pixels), guarded<uint32_t>(pixels)}, texels(128 * 256);
+    guarded<uint32_t> colour[2] = {guarded<uint32_t>(pixels), guarded<uint32_t>(pixels)}, texels(3 * 128 * 256);
     guarded<float> depths[2] = {guarded<float>(pixels), guarded<float>(pixels)};
+    guarded<uint8_t> shadowmap(256 * 256);
     testrng rng(7);
-    for (int i = 0; i < 128 * 256; ++i)
+    for (int i = 0; i < 3 * 128 * 256; ++i)
         texels[i] = rng() % 2 ? rng.pixel() : anyof(rng, {0, 0xFF000000u, 0x00FFFFFF});
+    for (int i = 0; i < 256 * 256; ++i) shadowmap[i] = static_cast<uint8_t>(rng() % 4 ? rng() : anyof(rng, {0, 255}));
     for (const trianglemember& m : trianglemembers)
         for (int c = 0; c < 200; ++c) {
             testrng rng(static_cast<uint64_t>(c) * 1000 + indexof(trianglemembers, m));
-            const rastertriangle t = scene(rng, colour, depths, texels.get());
+            const rastertriangle t = scene(rng, colour, depths, texels.get(), shadowmap.get());
             const float *a = t.position[0], *b = t.position[1], *d = t.position[2];
             ASSERT_EQ(accepttriangle(a, b, d), rasterreference::accept(a, b, d)) << "case " << c;
             rasterstate.targetcolour = colour[0].get(), rasterstate.targetdepth = depths[0].get();
@@ -123,6 +135,9 @@ TEST_F(raster, choicefollowsthemembertable) {
               trianglefor(withrecipe(recipe::plain, gouraudspan(depthmode::testonly, blended::no))));
     EXPECT_EQ(rawtriangle(false, true), trianglefor(withrecipe(recipe::plain, colourlessspan(depthmode::none))));
     EXPECT_EQ(rawtriangle(false, false), nullptr);
+    everygroundface([](const groundselection& g) {
+        EXPECT_EQ(choosegroundtriangle(g.fold, g.layer, g.blend, g.shadow), trianglefor(groundtriangle(g)));
+    });
 }
 
 }  // namespace

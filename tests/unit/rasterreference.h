@@ -63,14 +63,15 @@ inline void spanrow(const spanmember& m, const rasterspan& s, int y) {
     const float du = (s.uv[2] - s.uv[0]) * inv, dv = (s.uv[3] - s.uv[1]) * inv;
     const float u0 = (s.uv[0] + skip * du) - b * du, v0 = (s.uv[1] + skip * dv) - b * dv;
     float z[4], u[4] = {u0, u0 + du}, v[4] = {v0, v0 + dv};
-    uint16_t lane[4][8];  // modulate, then addcolour
-    int16_t dc[8];
+    uint16_t lane[4][10];  // modulate, addcolour, then the weights w0 and w1
+    int16_t dc[10];
     for (int j = 0; j < 4; ++j) {
         z[j] = zfirst + static_cast<float>(j) * dz;
         if (j >= 2) u[j] = u[j - 2] + 2.0f * du, v[j] = v[j - 2] + 2.0f * dv;
-        for (int c = 0; c < 8; ++c) {
+        for (int c = 0; c < 10; ++c) {
             const uint16_t* set = c < 4 ? &s.modulate[0] : &s.addcolour[0];
-            const float l = set[c % 4], d = (set[c % 4 + 4] - l) * inv;
+            const float l = c < 8 ? set[c % 4] : s.weights[c - 8];
+            const float d = ((c < 8 ? set[c % 4 + 4] : s.weights[c - 6]) - l) * inv;
             dc[c] = saturate16(trunc(d));
             lane[j][c] = static_cast<uint16_t>(startlane(l + skip * d) + (j - b) * dc[c]);
         }
@@ -83,16 +84,46 @@ inline void spanrow(const spanmember& m, const rasterspan& s, int y) {
             if (at < first || at >= end || (test && !(z[j] <= *d))) continue;
             uint32_t* out = r.targetcolour + at;
             uint32_t texel = 0, p[4], pixel = 0;
+            uint32_t t[3] = {}, modulate[4] = {lane[j][0], lane[j][1], lane[j][2], lane[j][3]};
+            const layers l = m.get<layers>();
+            const bool mixed = l == layers::triple || l == layers::triplescaled;
             if (kind == shading::textured) {
                 const float U = u[j] * z[j], V = v[j] * z[j];
-                const bool clamp = m.get<wrapmode>() == wrapmode::clamp;
-                const int tu = clamp ? trunc(minss(maxss(U, 0.0f), 127.0f)) : trunc(U) & 127;
-                const int tv = clamp ? trunc(minss(maxss(V, 0.0f), 127.0f)) : trunc(V) & 127;
-                texel = s.texels[0][tv * 256 + tu];
+                for (int k = 0; k < (mixed ? 3 : 1); ++k) {
+                    // Each layer's coordinates, moved as its kind says.
+                    float lu = U, lv = V;
+                    const bool scaled =
+                        l == layers::triplescaled || (l == layers::singlescaled && m.get<shadowed>() == shadowed::yes);
+                    if (scaled) lu = lu * s.uvscale[k][0], lv = lv * s.uvscale[k][1];
+                    if (l == layers::singlescaled || l == layers::triplescaled)
+                        lu = lu + s.uvoffset[k][0], lv = lv + s.uvoffset[k][1];
+                    const bool clamp = m.get<wrapmode>() == wrapmode::clamp;
+                    const int tu = clamp ? trunc(minss(maxss(lu, 0.0f), 127.0f)) : trunc(lu) & 127;
+                    const int tv = clamp ? trunc(minss(maxss(lv, 0.0f), 127.0f)) : trunc(lv) & 127;
+                    t[k] = s.texels[k][tv * 256 + tu];
+                }
+                texel = t[0];
+                if (m.get<shadowed>() == shadowed::yes) {
+                    // Each 16-bit half shifted, the whole saturated to signed 16 bits, then to a byte.
+                    const unsigned shift = s.shadowshift[0] > 15 ? 16 : unsigned(s.shadowshift[0]);
+                    auto cell = [shift](float c) {
+                        const uint32_t w = static_cast<uint32_t>(trunc(c));
+                        const int v = static_cast<int32_t>(((w >> 16) >> shift) << 16 | (w & 0xFFFF) >> shift);
+                        return std::clamp<int>(saturate16(v), 0, 255);
+                    };
+                    const uint32_t factor = uint32_t(s.shadowmap[cell(V) << 8 | cell(U)]) << 8;
+                    for (uint32_t& c : modulate) c = (c * factor) >> 16;
+                }
             }
-            for (int ch = 0; ch < 4; ++ch)
-                p[ch] = (kind == shading::gouraud ? lane[j][ch] : (byte(texel, ch) * lane[j][ch]) >> 16) +
+            const uint32_t w0 = lane[j][8], w1 = lane[j][9], w2 = (65535u - w0 - w1) & 0xFFFF;
+            for (int ch = 0; ch < 4; ++ch) {
+                const uint32_t mix = mixed ? (((byte(t[0], ch) * w0) >> 16) + ((byte(t[1], ch) * w1) >> 16) +
+                                              ((byte(t[2], ch) * w2) >> 16)) &
+                                                 0xFFFF
+                                           : byte(texel, ch);
+                p[ch] = (kind == shading::gouraud ? lane[j][ch] : (mix * modulate[ch]) >> 16) +
                         (add ? lane[j][4 + ch] >> 8 : 0);
+            }
             const alphamode alpha = kind == shading::textured ? m.get<alphamode>() : alphamode::opaque;
             if (kind == shading::colourless || (alpha == alphamode::key && texel == 0) ||
                 (alpha == alphamode::alpha && p[3] == 0)) {
@@ -113,7 +144,7 @@ inline void spanrow(const spanmember& m, const rasterspan& s, int y) {
         }
         for (int j = 0; j < 4; ++j) {
             z[j] += 4.0f * dz, u[j] += 4.0f * du, v[j] += 4.0f * dv;
-            for (int c = 0; c < 8; ++c) lane[j][c] = static_cast<uint16_t>(lane[j][c] + (dc[c] << 2));
+            for (int c = 0; c < 10; ++c) lane[j][c] = static_cast<uint16_t>(lane[j][c] + (dc[c] << 2));
         }
     }
 }
@@ -122,7 +153,7 @@ inline void spanrow(const spanmember& m, const rasterspan& s, int y) {
 inline void span(const spanmember& m, rasterspan& s) {
     for (int row = 0; row < s.rows; ++row, ++s.y) {
         spanrow(m, s, s.y);
-        for (int i = 0; i < 4; ++i) s.edge[i] += s.edgestep[i], s.uv[i] += s.uvstep[i];
+        for (int i = 0; i < 4; ++i) s.edge[i] += s.edgestep[i], s.uv[i] += s.uvstep[i], s.weights[i] += s.weightstep[i];
         for (int i = 0; i < 8; ++i) s.modulate[i] += s.modulatestep[i], s.addcolour[i] += s.addcolourstep[i];
     }
 }
@@ -135,15 +166,19 @@ inline void triangle(const trianglemember& m, const rastertriangle& t) {
     const int orders[6][3] = {{0, 1, 2}, {0, 2, 1}, {2, 0, 1}, {1, 0, 2}, {1, 2, 0}, {2, 1, 0}};
     const int* o = orders[y1 > y0 ? (y2 > y1 ? 0 : y2 > y0 ? 1 : 2) : (y2 > y0 ? 3 : y2 > y1 ? 4 : 5)];
     int row[3];
-    // Per sorted vertex what interpolates: x, z, u and v over z, four modulate and four add lanes.
-    float value[3][12];
+    // Per sorted vertex what interpolates: x, z, u and v over z, four modulate and four add lanes,
+    // the layer weights w0 and w1.
+    const bool cornerscaled = m.get<layers>() == layers::singlescaled && m.get<shadowed>() == shadowed::no;
+    float value[3][14];
     for (int i = 0; i < 3; ++i) {
         const int v = o[i];
         const float z = t.position[v][2], s = t.shadefactor[v];
         const float f = minss(maxss((z - r.fogstart) * r.fogscale, 0.0f), 1.0f);
         row[i] = trunc(t.position[v][1]);
         value[i][0] = t.position[v][0], value[i][1] = z;
-        value[i][2] = t.uv[v][0] * rcp(z), value[i][3] = t.uv[v][1] * rcp(z);
+        value[i][2] = (cornerscaled ? t.uv[v][0] * t.uvscale[0][0] : t.uv[v][0]) * rcp(z);
+        value[i][3] = (cornerscaled ? t.uv[v][1] * t.uvscale[0][1] : t.uv[v][1]) * rcp(z);
+        value[i][12] = v == 0 ? 65535.0f : 0.0f, value[i][13] = v == 1 ? 65535.0f : 0.0f;
         for (int ch = 0; ch < 4; ++ch) {
             const float C = t.colour[v][ch], F = r.fogcolour[ch], T = t.shadetint[ch];
             float mc = C, ac = 0.0f;
@@ -155,17 +190,19 @@ inline void triangle(const trianglemember& m, const rastertriangle& t) {
         }
     }
     // Steps along top-middle, top-bottom, middle-bottom, by the reciprocal of each height.
-    float step[3][12];
+    float step[3][14];
     const int ends[3][2] = {{0, 1}, {0, 2}, {1, 2}};
     for (int e = 0; e < 3; ++e) {
         const int from = ends[e][0], to = ends[e][1];
         const float height = static_cast<float>(static_cast<int>(unsigned(row[to]) - unsigned(row[from])));
         const float rc = rcp(maxss(height, std::bit_cast<float>(0x358637BDu)));
-        for (int k = 0; k < 12; ++k) step[e][k] = (value[to][k] - value[from][k]) * rc;
+        for (int k = 0; k < 14; ++k) step[e][k] = (value[to][k] - value[from][k]) * rc;
     }
 
     rasterspan s{};
-    s.texels[0] = t.texels[0];
+    std::copy_n(t.texels, 3, s.texels);
+    std::copy_n(&t.uvscale[0][0], 12, &s.uvscale[0][0]), std::copy_n(&t.uvoffset[0][0], 12, &s.uvoffset[0][0]);
+    s.shadowmap = t.shadowmap, s.shadowshift[0] = t.shadowshift[0];
     s.blendfactor = t.blendfactor;
     // Side 0 (left) or 1 (right) from vertex `from` along edge `e`, `skip` rows on.
     auto setside = [&](int side, int from, int e, long long skip) {
@@ -173,6 +210,8 @@ inline void triangle(const trianglemember& m, const rastertriangle& t) {
             s.edge[2 * side + i] = value[from][i] + static_cast<float>(skip) * step[e][i];
             s.uv[2 * side + i] = value[from][2 + i] + static_cast<float>(skip) * step[e][2 + i];
             s.edgestep[2 * side + i] = step[e][i], s.uvstep[2 * side + i] = step[e][2 + i];
+            s.weights[2 * side + i] = value[from][12 + i] + static_cast<float>(skip) * step[e][12 + i];
+            s.weightstep[2 * side + i] = step[e][12 + i];
         }
         for (int ch = 0; ch < 4; ++ch) {
             const int16_t dm = saturate16(trunc(step[e][4 + ch])), da = saturate16(trunc(step[e][8 + ch]));

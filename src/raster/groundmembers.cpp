@@ -1,0 +1,3 @@
+#include "raster/memberfile.h"
+
+constinit const groundfile<shadowed::no> groundmembers = buildmembers<groundfile<shadowed::no>>();

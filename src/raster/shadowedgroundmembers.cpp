@@ -1,0 +1,3 @@
+#include "raster/memberfile.h"
+
+constinit const groundfile<shadowed::yes> shadowedgroundmembers = buildmembers<groundfile<shadowed::yes>>();
