@@ -21,6 +21,7 @@ rasterstatedata rasterstate = [] {
 
 toolkit* currenttoolkit;
 int modelcount;
+int tilecount;
 
 namespace {
 

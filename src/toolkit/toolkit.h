@@ -74,6 +74,8 @@ extern int fogflag;
 
 extern toolkit* currenttoolkit;
 extern int modelcount;
+// Live ground tiles; nothing reads it.
+extern int tilecount;
 
 // Cleared depth: the float with bits 0x7F7FC99E.
 inline constexpr uint32_t fardepthbits = 0x7F7FC99Eu;

@@ -1,0 +1,7 @@
+#include "ground/tile.h"
+
+#include "toolkit/toolkit.h"
+
+genericground::genericground() { ++tilecount; }
+
+genericground::~genericground() { --tilecount; }
