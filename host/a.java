@@ -24,4 +24,8 @@ public class a {
                           int colour1, int colour2);
     public native void K(long peer, int unused, int x1, int y1, int x2, int y2, int colour, int width,
                          int unused2);
+    // A ground tile, and a block of tiles as a map whose rows of `visible` mark the tiles drawn.
+    public native void v(long peer, long ground, int x, int z);
+    public native void i(long peer, long ground, int ox, int oy, int scale, int x0, int z0, int x1, int z1,
+                         byte[][] visible);
 }

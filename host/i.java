@@ -1,8 +1,20 @@
-// Host class of the native library; its peer's address lives in nativeid.
+// The ground: a grid of heights under square tiles that the host uploads one at a time.
 public class i {
     static {
         System.loadLibrary("wexel");
     }
 
     public long nativeid;
+
+    public native void G(Object unused, ja toolkit, int sizex, int sizez, int[][] heights, int[][] normalheights,
+                         int tilesize, int scale, int flags);
+    public native void ma();
+    // A shade byte at a grid point, raised only; SA drops the shades after the last upload.
+    public native void LA(int a, int b, int value);
+    public native void SA();
+    // A tile as parallel arrays, three entries a face; ys, depths, mapcolours and scales may be null.
+    public native void ya(int x, int z, int[] xs, int[] ys, int[] zs, int[] depths, int[] colours, int[] mapcolours,
+                          int[] textures, int[] scales, int tilecolour, int usedepths, int unused, boolean caster);
+    // Exported under a decorated name only: binding it by this name fails.
+    public native int SSEGROUND_GETH(int a, int b);
 }
