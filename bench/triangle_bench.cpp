@@ -68,33 +68,13 @@ struct libraryfloats {
     ~libraryfloats() { _mm_setcsr(saved); }
 };
 
-// The triangles as a model face fills them: colours as lane sets, texel coordinates twice.
-std::vector<rastertriangle> records(const trianglework& work) {
-    std::vector<rastertriangle> all(work.count());
-    for (int k = 0; k < work.count(); ++k) {
-        rastertriangle& r = all[k];
-        for (int i = 0; i < 3; ++i) {
-            const benchvertex& v = work.vertices[k * 3 + i];
-            float position[4] = {v.x, v.y, v.z, v.z}, uv[4] = {v.u, v.v, v.u, v.v};
-            for (int j = 0; j < 4; ++j) {
-                r.position[i][j] = position[j];
-                r.uv[i][j] = uv[j];
-            }
-            setcolourlanes(r.colour[i], v.colour);
-        }
-        r.blendfactor = blendweight | blendweight << 16;
-        r.texels[0] = texture().data();
-    }
-    return all;
-}
-
 enum class cut { none, allrows, allcolumns };
 
 void ours(benchmark::State& state, const workload* w, cut c) {
     benchtarget target;
     libraryfloats mode;
     const trianglework& work = triangles(w);
-    std::vector<rastertriangle> faces = records(work);
+    std::vector<rastertriangle> faces = rasterrecords(work, texture().data(), blendweight);
     trianglefunction draw =
         choosetriangle(recipe::plain, w->fill == peerfill::textured ? shading::textured : shading::gouraud,
                        alphamode::opaque, wrapmode::repeat, w->fill == peerfill::blended ? blended::yes : blended::no,

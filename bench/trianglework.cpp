@@ -63,3 +63,22 @@ std::vector<uint32_t> maketexture(uint32_t seed) {
         for (int u = 0; u < texturesize; ++u) texels[v * texturepitch + u] = 0xFF000000u | (random() & 0xFFFFFFu);
     return texels;
 }
+
+std::vector<rastertriangle> rasterrecords(const trianglework& work, const uint32_t* texels, int blendweight) {
+    std::vector<rastertriangle> all(work.count());
+    for (int k = 0; k < work.count(); ++k) {
+        rastertriangle& r = all[k];
+        for (int i = 0; i < 3; ++i) {
+            const benchvertex& v = work.vertices[k * 3 + i];
+            float position[4] = {v.x, v.y, v.z, v.z}, uv[4] = {v.u, v.v, v.u, v.v};
+            for (int j = 0; j < 4; ++j) {
+                r.position[i][j] = position[j];
+                r.uv[i][j] = uv[j];
+            }
+            setcolourlanes(r.colour[i], v.colour);
+        }
+        r.blendfactor = blendweight | blendweight << 16;
+        r.texels[0] = texels;
+    }
+    return all;
+}

@@ -3,6 +3,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "raster/raster.h"
+#include "toolkit/texturestore.h"
+
 // One corner: pixels with y down, z inside the depth range 0 to 1, texel coordinates (a texture is
 // 128 texels across) and a colour 0xAARRGGBB.
 struct benchvertex {
@@ -24,5 +27,9 @@ struct trianglework {
 trianglework maketriangles(int count, float area, int width, int height, uint32_t seed);
 
 // A seeded 128x128 texture in rows of 256 texels, the row pitch of the texture atlas.
-inline constexpr int texturesize = 128, texturepitch = 256;
+inline constexpr int texturepitch = atlaspitch;
 std::vector<uint32_t> maketexture(uint32_t seed);
+
+// The triangles as a model face fills them: colours as lane sets, texel coordinates twice, the
+// texture and the constant blend weight of 255.
+std::vector<rastertriangle> rasterrecords(const trianglework& work, const uint32_t* texels, int blendweight);
