@@ -184,18 +184,7 @@ void single(benchmark::State& state) {
 
 void peer(benchmark::State& state) {
     groundview& s = scene();
-    llvmpipe* p = llvmpipe::instance();
-    if (!p) return state.SkipWithError(llvmpipe::failure());
-    p->load(s.faces, peerfill::textured, s.texels.data(), 0);
-    p->draw();
-    p->finish();
-    for (auto _ : state) {
-        state.PauseTiming();
-        p->cleardepth();
-        state.ResumeTiming();
-        p->draw();
-        p->finish();
-    }
+    drawbypeer(state, s.faces, peerfill::textured, s.texels.data(), 0);
     rates(state, 0, s.faces.count(), s.faces.pixels);
 }
 

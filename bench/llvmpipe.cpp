@@ -1,5 +1,7 @@
 #include "llvmpipe.h"
 
+#include <benchmark/benchmark.h>
+
 #define GL_GLEXT_PROTOTYPES
 #include <GL/osmesa.h>
 #include <GL/gl.h>
@@ -135,4 +137,20 @@ void llvmpipe::cleardepth() {
     glClear(GL_DEPTH_BUFFER_BIT);
     glDepthMask(writesdepth);
     glFinish();
+}
+
+void drawbypeer(benchmark::State& state, const trianglework& work, peerfill fill, const uint32_t* texels,
+                int blendweight) {
+    llvmpipe* p = llvmpipe::instance();
+    if (!p) return state.SkipWithError(llvmpipe::failure());
+    p->load(work, fill, texels, blendweight);
+    p->draw();
+    p->finish();
+    for (auto _ : state) {
+        state.PauseTiming();
+        p->cleardepth();
+        state.ResumeTiming();
+        p->draw();
+        p->finish();
+    }
 }

@@ -8,6 +8,10 @@
 
 #include "trianglework.h"
 
+namespace benchmark {
+class State;
+}
+
 enum class peerfill { gouraud, textured, blended };
 
 class llvmpipe {
@@ -32,3 +36,9 @@ private:
     bool writesdepth = true;
     unsigned framebuffer = 0, colour = 0, depth = 0, vertices = 0, texture = 0;
 };
+
+// The peer's run of a benchmark: the triangles loaded and drawn once, so that the fill's shaders
+// are compiled, then drawn once an iteration on a depth buffer cleared untimed; skipped with the
+// reason when there is no peer.
+void drawbypeer(benchmark::State& state, const trianglework& work, peerfill fill, const uint32_t* texels,
+                int blendweight);

@@ -93,23 +93,8 @@ void ours(benchmark::State& state, const workload* w, cut c) {
 }
 
 void peer(benchmark::State& state, const workload* w) {
-    llvmpipe* p = llvmpipe::instance();
-    if (!p) {
-        state.SkipWithError(llvmpipe::failure());
-        return;
-    }
     const trianglework& work = triangles(w);
-    p->load(work, w->fill, texture().data(), blendweight);
-    // The first draw of a fill compiles its shaders.
-    p->draw();
-    p->finish();
-    for (auto _ : state) {
-        state.PauseTiming();
-        p->cleardepth();
-        state.ResumeTiming();
-        p->draw();
-        p->finish();
-    }
+    drawbypeer(state, work, w->fill, texture().data(), blendweight);
     rates(state, work, true);
 }
 

@@ -57,6 +57,29 @@ struct vertexcolours {
     }
 };
 
+// A float interpolant of the three sorted vertices (texture coordinates over z, layer weights),
+// with its steps along top-middle, top-bottom and middle-bottom.
+struct vertexfloats {
+    __m128 start[3], tm, tb, mb;
+    [[gnu::always_inline]] vertexfloats(const __m128* v, const __m128* reciprocal)
+        : start{v[0], v[1], v[2]},
+          tm(_mm_mul_ps(_mm_sub_ps(v[1], v[0]), reciprocal[0])),
+          tb(_mm_mul_ps(_mm_sub_ps(v[2], v[0]), reciprocal[1])),
+          mb(_mm_mul_ps(_mm_sub_ps(v[2], v[1]), reciprocal[2])) {}
+    // The upper half's left and right lanes, `skips` rows on from the top vertex, and their steps.
+    [[gnu::always_inline]] void upper(float* value, float* step, bool tbleft, __m128 skips) const {
+        const __m128 steps = tbleft ? halves(tb, tm) : halves(tm, tb);
+        _mm_store_ps(step, steps);
+        _mm_store_ps(value, _mm_add_ps(start[0], _mm_mul_ps(skips, steps)));
+    }
+    // The lower half's side that runs from the middle vertex, `skips` rows on; the other side goes on.
+    [[gnu::always_inline]] void lower(float* value, float* step, bool right, __m128 skips) const {
+        auto replace = [right](__m128 side, __m128 old) { return right ? halves(old, side) : halves(side, old); };
+        _mm_store_ps(step, replace(mb, _mm_load_ps(step)));
+        _mm_store_ps(value, replace(_mm_add_ps(start[1], _mm_mul_ps(skips, mb)), _mm_load_ps(value)));
+    }
+};
+
 }  // namespace trianglelanes
 
 template <trianglemember M>
@@ -159,7 +182,7 @@ struct triangleframe {
             _mm_store_ps(s.edge, _mm_add_ps(xz(p[0], p[0]), _mm_mul_ps(skips, step)));
         }
         // Colours and texture coordinates of the sorted vertices, with their edge steps.
-        __m128 modulate[3] = {}, addcolour[3] = {}, uz[3] = {};
+        __m128 modulate[3] = {}, addcolour[3] = {}, uz[3] = {}, w[3] = {};
         __m128i lanes[3] = {};
         if constexpr (colour)
             for (int i = 0; i < 3; ++i) {
@@ -182,7 +205,6 @@ struct triangleframe {
             _mm_store_si128(reinterpret_cast<__m128i*>(s.addcolour),
                             _mm_add_epi16(adds.start[0], _mm_mullo_epi16(skiplanes, step)));
         }
-        __m128 uvtm, uvtb, uvmb;
         if constexpr (textured) {
             // u and v over z: the span multiplies them back by its interpolated z.
             for (int i = 0; i < 3; ++i) {
@@ -190,30 +212,21 @@ struct triangleframe {
                 if constexpr (cornerscaled) uv = _mm_mul_ps(uv, _mm_load_ps(t->uvscale[0]));
                 uz[i] = _mm_mul_ps(uv, spread<2>(_mm_rcp_ps(p[i])));
             }
-            uvtm = _mm_mul_ps(_mm_sub_ps(uz[1], uz[0]), reciprocal[0]);
-            uvtb = _mm_mul_ps(_mm_sub_ps(uz[2], uz[0]), reciprocal[1]);
-            uvmb = _mm_mul_ps(_mm_sub_ps(uz[2], uz[1]), reciprocal[2]);
-            __m128 step = tbleft ? halves(uvtb, uvtm) : halves(uvtm, uvtb);
-            _mm_store_ps(s.uvstep, step);
-            _mm_store_ps(s.uv, _mm_add_ps(uz[0], _mm_mul_ps(skips, step)));
             s.texels[0] = t->texels[0];
         }
+        const vertexfloats uvs(uz, reciprocal);
+        if constexpr (textured) uvs.upper(s.uv, s.uvstep, tbleft, skips);
         // Layer weights of the corners, w0 and w1 twice: all of the first layer at vertex 0, of the
         // second at vertex 1, of the third at vertex 2.
-        __m128 w[3], wtm, wtb, wmb;
         if constexpr (mixed) {
             for (int i = 0; i < 3; ++i)
                 w[i] = order[i] == 0   ? _mm_setr_ps(65535.0f, 0.0f, 65535.0f, 0.0f)
                        : order[i] == 1 ? _mm_setr_ps(0.0f, 65535.0f, 0.0f, 65535.0f)
                                        : _mm_setzero_ps();
-            wtm = _mm_mul_ps(_mm_sub_ps(w[1], w[0]), reciprocal[0]);
-            wtb = _mm_mul_ps(_mm_sub_ps(w[2], w[0]), reciprocal[1]);
-            wmb = _mm_mul_ps(_mm_sub_ps(w[2], w[1]), reciprocal[2]);
-            __m128 step = tbleft ? halves(wtb, wtm) : halves(wtm, wtb);
-            _mm_store_ps(s.weightstep, step);
-            _mm_store_ps(s.weights, _mm_add_ps(w[0], _mm_mul_ps(skips, step)));
             s.texels[1] = t->texels[1], s.texels[2] = t->texels[2];
         }
+        const vertexfloats weights(w, reciprocal);
+        if constexpr (mixed) weights.upper(s.weights, s.weightstep, tbleft, skips);
         if constexpr (layer == layers::singlescaled || layer == layers::triplescaled)
             for (int k = 0; k < (mixed ? 3 : 1); ++k) {
                 _mm_store_ps(s.uvscale[k], _mm_load_ps(t->uvscale[k]));
@@ -259,14 +272,8 @@ struct triangleframe {
         };
         if constexpr (colour) replacelanes(s.modulatestep, s.modulate, modulates);
         if constexpr (add) replacelanes(s.addcolourstep, s.addcolour, adds);
-        if constexpr (textured) {
-            _mm_store_ps(s.uvstep, replace(uvmb, _mm_load_ps(s.uvstep)));
-            _mm_store_ps(s.uv, replace(_mm_add_ps(uz[1], _mm_mul_ps(skips2, uvmb)), _mm_load_ps(s.uv)));
-        }
-        if constexpr (mixed) {
-            _mm_store_ps(s.weightstep, replace(wmb, _mm_load_ps(s.weightstep)));
-            _mm_store_ps(s.weights, replace(_mm_add_ps(w[1], _mm_mul_ps(skips2, wmb)), _mm_load_ps(s.weights)));
-        }
+        if constexpr (textured) uvs.lower(s.uv, s.uvstep, right, skips2);
+        if constexpr (mixed) weights.lower(s.weights, s.weightstep, right, skips2);
         s.rows = static_cast<int>(rows);
         drawspan<span>(&s);
     }

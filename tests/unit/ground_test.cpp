@@ -38,7 +38,7 @@ TEST_F(groundtest, gridfollowstherules) {
         for (auto [a, b] : {std::pair{-1, 0}, {0, -1}, {sizex * 64, 0}, {0, sizez * 64}, {INT_MIN, 5}})
             EXPECT_EQ(groundheight(*g, a, b), 0);
         // Whatever the rows' pitch, every read and write of the grid stays in its blocks.
-        EXPECT_EQ(pool.verify(), nullptr);
+        EXPECT_EQ(tilepool.verify(), nullptr);
         EXPECT_EQ(gridheight(*g, sizex + 7, sizez * 9), 0);
         EXPECT_EQ(g->slot(sizex, 0), nullptr);
         EXPECT_EQ(g->slot(0, -1), nullptr);

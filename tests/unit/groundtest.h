@@ -11,7 +11,7 @@
 #include "fuzz.h"
 #include "ground/ground.h"
 #include "ground/upload.h"
-#include "testhost.h"
+#include "modeltest.h"
 #include "toolkit/tables.h"
 #include "toolkit/texturestore.h"
 #include "util/frame.h"
@@ -75,38 +75,26 @@ struct randomhosttile {
     }
 };
 
-class groundtest : public ::testing::Test {
+// The model tests' toolkit and textures, with a sun, a pool for the ground's blocks, and textures
+// of the types that blend and hidden ones among those loaded and those declined.
+class groundtest : public modeltest {
 protected:
-    static void SetUpTestSuite() { buildtrigtables(), buildhsltorgb(); }
     void SetUp() override {
-        _mm_setcsr(librarymxcsr);
-        t.textures = store;
-        t.pool = &pool;
+        modeltest::SetUp();
+        t.pool = &tilepool;
         t.sundirection[0] = 0.3f, t.sundirection[1] = -0.8f, t.sundirection[2] = 0.52f;
         t.suncolour[0] = 255, t.suncolour[1] = 230, t.suncolour[2] = 200;
         t.ambient = 0.4f, t.diffuse = 0.9f, t.lightfactor = 0.7f;
         std::vector<uint32_t> pixels(texturesize * texturesize);
         for (int id = 0; id < texturecount; ++id) {
-            texturedescriptor& d = store->descriptors[id] = {};
-            // Blending types and hidden ones among the loaded textures and the declined.
+            texturedescriptor& d = descriptors[id];
             d.type = uint8_t("\0\4\x08\x09\5\0\4\6"[id]);
             d.hidden = id % 4 == 3, d.averagecolour = static_cast<uint16_t>(rng());
-            d.blend = static_cast<uint8_t>(rng.onein(2) ? rng() : 0),
-            d.bright = static_cast<uint8_t>(rng.onein(2) ? rng() : 0);
             for (uint32_t& p : pixels) p = rng.pixel();
             // Each load takes the oldest slot; the fetch makes the texture the newest.
             if (id < loadedtextures) loadtexture(*store, id, d, pixels.data()), gettexture(id);
         }
     }
-    void TearDown() override { _mm_setcsr(hostmxcsr), destroytexturestore(store); }
 
-    static constexpr int texturecount = 8, loadedtextures = 6;  // the host declines the others
-    testrng rng{20261124};
-    testhost host;  // its toolkit is current
-    toolkit& t = host.t;
-    texturestore* store = maketexturestore(texturecount);
-    memorypool pool{4096, &t};
-
-private:
-    unsigned hostmxcsr = _mm_getcsr();
+    memorypool tilepool{4096, &t};
 };
