@@ -540,64 +540,41 @@ bool thicklines(fuzzcase& c) {
 // through random cameras, fog and the distance's shade, and drawn as maps anywhere at any scale:
 // nothing changes outside the clip or the buffers, and the pool's blocks stay whole.
 bool grounds(fuzzcase& c) {
+    // The host describes 256 textures and loads the first 200 when asked.
     static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(256),
                                                                               destroytexturestore);
     static const std::vector<uint32_t> texels(128 * 128, 0xFF8040C0u);
+    for (int id = 0; id < 256; ++id)
+        store->descriptors[id] = {.type = uint8_t(id % 10), .blend = uint8_t(id), .bright = uint8_t(id * 3),
+                                  .hidden = id % 7 == 0};
     clientscene s(c);
     s.host.t.textures = store.get();
-    // The host describes every texture and loads the first 200 when asked.
-    s.host.load = [](int id) {
-        if (id < 200) loadtexture(*store, id, store->descriptors[id], texels.data());
-        return id < 200;
-    };
-    [[maybe_unused]] static const bool described = [] {
-        for (int id = 0; id < 256; ++id) {
-            texturedescriptor& d = store->descriptors[id] = {};
-            d.type = uint8_t(id % 10), d.hidden = id % 7 == 0, d.blend = uint8_t(id), d.bright = uint8_t(id * 3);
-        }
-        return true;
-    }();
+    s.host.load = [](int id) { return id < 200 && (loadtexture(*store, id, store->descriptors[id], texels.data()), 1); };
     toolkit& t = s.g.t;
     memorypool pool(1 << 16, &t);
-    t.pool = &pool;
+    t.pool = &pool, t.shadowshift = 3;
     const int sizex = c.onein(16) ? 0 : 1 + c.below(6), sizez = c.onein(16) ? 0 : 1 + c.below(6),
               tilesize = c.onein(8) ? c.coordinate(1 << 20) : 32 << c.below(3);
     // A shadow map over tiles of a million units would fill the pool.
-    t.shadowshift = 3;
     std::unique_ptr<ground> g(makeground(t, sizex, sizez, tilesize, 0, c() & ~(tilesize > 256 ? GF_SHADOWMAP : 0)));
-    for (int i = 0; i < g->heights.length(); ++i)
-        g->heights[i] = c.onein(8) ? c.coordinate(1 << 16) : c.between(-99, 99);
+    for (int i = 0; i < g->heights.length(); ++i) g->heights[i] = c.onein(8) ? c.coordinate(1 << 16) : c.between(-99, 99);
     computenormals(*g, g->heights.get());
     const int n = 3 * c.below(c.onein(8) ? 120 : 24), ts = g->tilesize;
-    std::vector<int32_t> v[8];
-    for (int i = 0; i < n; ++i)
-        for (int a = 0; a < 8; ++a)
-            // Texture ids stay among those the host described, whatever their high bits.
-            v[a].push_back(a < 3 && c.below(16) ? c.between(0, a == 1 ? 50 : ts)
-                           : a == 6             ? (c.onein(8) ? 0xFFFF : c.between(-1, 255)) | c.below(2) << 20
-                                                : c.coordinate(ts));
-    tilesource h{n,
-                 v[0].data(),
-                 c.onein(4) ? nullptr : v[1].data(),
-                 v[2].data(),
-                 c.onein(2) ? nullptr : v[3].data(),
-                 v[4].data(),
-                 c.onein(2) ? nullptr : v[5].data(),
-                 v[6].data(),
-                 c.onein(2) ? nullptr : v[7].data(),
-                 c(),
-                 c.below(2) == 0,
-                 false};
+    std::vector<int32_t> v[8];  // texture ids stay among those described, whatever their high bits
+    for (int i = 0; i < 8 * n; ++i)
+        v[i % 8].push_back(i % 8 < 3 && c.below(16) ? c.between(0, i % 8 == 1 ? 50 : ts)
+                           : i % 8 == 6 ? (c.onein(8) ? 0xFFFF : c.between(-1, 255)) | c.below(2) << 20 : c.coordinate(ts));
+    auto maybe = [&](int a) { return c.onein(2) ? nullptr : v[a].data(); };
+    const tilesource h{n, v[0].data(), maybe(1), v[2].data(), maybe(3), v[4].data(), maybe(5), v[6].data(), maybe(7),
+                       c(), c.below(2) == 0, false};
     const bool off = c.onein(16) || !sizex || !sizez;
-    const int x = off ? c.between(-1, sizex) : c.below(std::min(sizex, sizez)),
-              z = off ? c.between(-1, sizez) : c.below(sizez);
+    const int x = off ? c.between(-1, sizex) : c.below(std::min(sizex, sizez)), z = off ? c.between(-1, sizez) : c.below(sizez);
     genericground** slot = g->slot(x, z);
     if (!slot) return false;
     // A camera tilted over the tile at any distance, or any matrix at all.
-    const float cx = (float(x) + c.real(0, 1)) * float(ts), cz = (float(z) + c.real(0, 1)) * float(ts);
-    const float distance = c.onein(8) ? c.real(-50, 600) : c.real(10, 200), f = c.real(0.5f, 3);
-    alignas(16) float view[16] = {
-        1, 0, 0, 0, 0, 0.6f, -0.8f, 0, 0, 0.8f, 0.6f, 0, -cx, -0.8f * cz, distance - 0.6f * cz, 1};
+    const float cx = (float(x) + c.real(0, 1)) * float(ts), cz = (float(z) + c.real(0, 1)) * float(ts), f = c.real(0.5f, 3);
+    alignas(16) float view[16] = {1, 0, 0, 0, 0, 0.6f, -0.8f, 0, 0, 0.8f, 0.6f, 0, -cx, -0.8f * cz,
+                                  (c.onein(8) ? c.real(-50, 600) : c.real(10, 200)) - 0.6f * cz, 1};
     alignas(16) float projection[16] = {f, 0, 0, 0, 0, f, 0, 0, 0, 0, 1.001f, 1, 0, 0, -2.001f, 0};
     setviewmatrix(t, view), setprojectionmatrix(t, projection);
     for (int i = 0; i < 16 && c.onein(8); ++i) t.viewprojection[i] = c.real(-2, 2), t.viewmatrix[i] = c.real(-2, 2);

@@ -1,100 +1,66 @@
-// Grounds for tests: a toolkit with a texture store whose first textures are loaded and whose
-// others the host declines, a small pool that moves its blocks as it grows, and seeded random
+// Grounds for tests: the model tests' toolkit and textures with a sun and a pool, seeded random
 // grounds and host tiles.
 #pragma once
-#include <gtest/gtest.h>
-#include <xmmintrin.h>
-
-#include <memory>
-#include <vector>
-
-#include "fuzz.h"
-#include "ground/ground.h"
 #include "ground/upload.h"
 #include "modeltest.h"
-#include "toolkit/tables.h"
-#include "toolkit/texturestore.h"
-#include "util/frame.h"
+#include "toolkit/light.h"
 #include "util/memory/memorypool.h"
 
-// A ground of random heights, normals and shades; `sizex` by `sizez` tiles.
-inline std::unique_ptr<ground> randomground(toolkit& t, testrng& rng, int sizex, int sizez, int tilesize,
-                                            uint32_t flags) {
-    std::unique_ptr<ground> g(makeground(t, sizex, sizez, tilesize, 0, flags));
-    std::vector<int32_t> normalheights(static_cast<size_t>(g->heights.length()));
-    for (int i = 0; i < g->heights.length(); ++i) {
-        g->heights[i] = rng.between(-80, 80), normalheights[size_t(i)] = rng.between(-300, 300);
-        g->shades[i] = rng.onein(3) ? 0 : rng.byte();
-    }
-    for (int i = 0; i < g->normals.length(); ++i) g->normals[i] = {0.0f, -1.0f, 0.0f, 1.0f};
-    computenormals(*g, normalheights.data());
-    return g;
-}
-
 // The host's arrays of one tile, random within what the host keeps to: corners, shared points and
-// free ones, faces with no colour, without texture, on one texture, on three, scaled or not.
+// free ones, faces with no colour, without texture, on one texture, on three, scaled or not, most
+// turned to a camera above.
 struct randomhosttile {
-    std::vector<int32_t> xs, ys, zs, depths, colours, mapcolours, textures, scales;
+    std::vector<int32_t> a[8];  // xs, ys, zs, depths, colours, mapcolours, textures, scales
     tilesource s;
-
-    randomhosttile(testrng& rng, int tilesize, int faces, int texturecount) {
-        const int lattice[] = {0, tilesize, tilesize / 2, tilesize / 4};
-        auto place = [&] { return rng.onein(3) ? rng.between(0, tilesize) : lattice[rng.below(4)]; };
-        const bool noys = rng.onein(4), nomap = rng.onein(3), noscales = rng.onein(3);
+    randomhosttile(testrng& r, int ts, int faces, int ids) {
+        auto place = [&] { return r.onein(3) ? r.between(0, ts) : std::array{0, ts, ts / 2, ts / 4}[r.below(4)]; };
         for (int f = 0; f < faces; ++f) {
-            const int kind = rng.below(6), id = rng.below(texturecount), sc = rng.onein(2) ? tilesize : rng.below(300);
-            for (int j = 0; j < 3; ++j) {
-                xs.push_back(place()), zs.push_back(place()), ys.push_back(rng.between(-50, 50));
-                depths.push_back(rng.onein(2) ? 0 : rng.between(-5, 70000));
-                colours.push_back(kind == 0 ? -1 : static_cast<int32_t>(rng()));
-                mapcolours.push_back(rng.onein(5) ? -1 : static_cast<int32_t>(rng()));
-                textures.push_back(kind == 1 && rng.onein(2) ? -1 : kind <= 3 ? id : rng.below(texturecount));
-                scales.push_back(kind == 2 ? sc : rng.onein(2) ? tilesize : rng.below(300));
-            }
-            // Most faces turn to the camera above.
-            const size_t i = xs.size() - 3;
-            const long long cross = (long long)(xs[i + 1] - xs[i]) * (zs[i + 2] - zs[i]) -
-                                    (long long)(zs[i + 1] - zs[i]) * (xs[i + 2] - xs[i]);
-            if ((cross < 0) == rng.onein(4))
-                for (auto* v : {&xs, &ys, &zs, &depths, &colours, &mapcolours, &textures, &scales})
-                    std::swap((*v)[i + 1], (*v)[i + 2]);
+            const int kind = r.below(6), id = r.below(ids), sc = r.onein(2) ? ts : r.below(300);
+            for (int j = 0, k = 0; j < 3; ++j, k = 0)
+                for (int v : {place(), r.between(-50, 50), place(), r.onein(2) ? 0 : r.between(-5, 70000),
+                              kind == 0 ? -1 : int(r()), r.onein(5) ? -1 : int(r()),
+                              kind == 1 && r.onein(2) ? -1 : kind <= 3 ? id : r.below(ids),
+                              kind == 2 ? sc : r.onein(2) ? ts : r.below(300)})
+                    a[k++].push_back(v);
+            const size_t i = a[0].size() - 3;
+            const long long cross = (long long)(a[0][i + 1] - a[0][i]) * (a[2][i + 2] - a[2][i]) -
+                                    (long long)(a[2][i + 1] - a[2][i]) * (a[0][i + 2] - a[0][i]);
+            if ((cross < 0) == r.onein(4))
+                for (auto& v : a) std::swap(v[i + 1], v[i + 2]);
         }
-        auto view = [](const std::vector<int32_t>& v, bool none = false) { return none ? nullptr : v.data(); };
-        s = {3 * faces,
-             view(xs),
-             view(ys, noys),
-             view(zs),
-             view(depths),
-             view(colours),
-             view(mapcolours, nomap),
-             view(textures),
-             view(scales, noscales),
-             static_cast<uint32_t>(rng()),
-             rng.below(2) == 0,
-             rng.below(2) == 0};
+        auto maybe = [&](int k) { return r.onein(k == 1 ? 4 : k == 5 || k == 7 ? 3 : 1 << 30) ? nullptr : a[k].data(); };
+        s = {3 * faces, a[0].data(), maybe(1), a[2].data(), a[3].data(), a[4].data(), maybe(5), a[6].data(), maybe(7),
+             r(), r.onein(2), r.onein(2)};
     }
 };
 
-// The model tests' toolkit and textures, with a sun, a pool for the ground's blocks, and textures
-// of the types that blend and hidden ones among those loaded and those declined.
 class groundtest : public modeltest {
 protected:
     void SetUp() override {
         modeltest::SetUp();
         t.pool = &tilepool;
-        t.sundirection[0] = 0.3f, t.sundirection[1] = -0.8f, t.sundirection[2] = 0.52f;
-        t.suncolour[0] = 255, t.suncolour[1] = 230, t.suncolour[2] = 200;
-        t.ambient = 0.4f, t.diffuse = 0.9f, t.lightfactor = 0.7f;
+        setsun(t, 0xFFE6C8, 0.4f, 0.9f, 0.3f, -0.8f, 0.52f);
+        t.lightfactor = 0.7f;
         std::vector<uint32_t> pixels(texturesize * texturesize);
         for (int id = 0; id < texturecount; ++id) {
-            texturedescriptor& d = descriptors[id];
-            d.type = uint8_t("\0\4\x08\x09\5\0\4\6"[id]);
-            d.hidden = id % 4 == 3, d.averagecolour = static_cast<uint16_t>(rng());
+            // Types that blend and hidden textures among those loaded and those declined; each load
+            // takes the oldest slot, so the fetch makes it the newest.
+            descriptors[id].type = uint8_t("\0\4\x08\x09\5\0\4\6"[id]);
+            descriptors[id].hidden = id % 4 == 3, descriptors[id].averagecolour = uint16_t(rng());
             for (uint32_t& p : pixels) p = rng.pixel();
-            // Each load takes the oldest slot; the fetch makes the texture the newest.
-            if (id < loadedtextures) loadtexture(*store, id, d, pixels.data()), gettexture(id);
+            if (id < loadedtextures) loadtexture(*store, id, descriptors[id], pixels.data()), gettexture(id);
         }
     }
-
+    // A ground of random heights, normals and shades.
+    std::unique_ptr<ground> randomground(int sizex, int sizez, int tilesize, uint32_t flags) {
+        std::unique_ptr<ground> g(makeground(t, sizex, sizez, tilesize, 0, flags));
+        std::vector<int32_t> normalheights(size_t(g->heights.length()));
+        for (int i = 0; i < g->heights.length(); ++i) {
+            g->heights[i] = rng.between(-80, 80), normalheights[size_t(i)] = rng.between(-300, 300);
+            g->shades[i] = rng.onein(3) ? 0 : rng.byte(), g->normals[i] = {0, -1, 0, 1};
+        }
+        computenormals(*g, normalheights.data());
+        return g;
+    }
     memorypool tilepool{4096, &t};
 };
