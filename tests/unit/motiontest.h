@@ -1,6 +1,7 @@
 // Models that move, for tests: random models built, lit and bounded, a snapshot of everything a
 // refused call must leave alone, and the turn rules through the tables.
 #pragma once
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <vector>
