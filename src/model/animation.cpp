@@ -80,30 +80,46 @@ void setorigin(model& m, const animationselection& s, int x, int y, int z) {
     }
 }
 
-// Turns by each non-zero angle, about z, x and y, or about x, z and y.
-void turnpoint(quad& p, int x, int y, int z, bool xfirst) {
-    if (xfirst && x) turn<turnaxis::x>(p, x);
-    if (z) turn<turnaxis::z>(p, z);
-    if (!xfirst && x) turn<turnaxis::x>(p, x);
-    if (y) turn<turnaxis::y>(p, y);
-}
+// The turns of a rotate step, by each non-zero angle about z, x and y, or about x, z and y; the
+// sines and cosines are read once for all vertices.
+class stepturn {
+public:
+    stepturn(int x, int y, int z, bool xfirst) : angle{x, y, z}, xfirst(xfirst) {
+        for (int k = 0; k < 3; ++k) s[k] = sintable[angle[k] & 0x3FFF], c[k] = costable[angle[k] & 0x3FFF];
+    }
+    void operator()(quad& p) const {
+        float x = p.x, y = p.y, z = p.z;
+        if (xfirst && angle[0]) turn<turnaxis::x>(x, y, z, s[0], c[0]);
+        if (angle[2]) turn<turnaxis::z>(x, y, z, s[2], c[2]);
+        if (!xfirst && angle[0]) turn<turnaxis::x>(x, y, z, s[0], c[0]);
+        if (angle[1]) turn<turnaxis::y>(x, y, z, s[1], c[1]);
+        p.x = x, p.y = y, p.z = z;
+    }
+
+private:
+    int angle[3];
+    float s[3], c[3];
+    bool xfirst;
+};
 
 void rotate(model& m, const animationselection& s, int x, int y, int z, bool normals) {
-    const float* o = m.animorigin;
-    const bool xfirst = s.order & 1;
+    const float o[3] = {m.animorigin[0], m.animorigin[1], m.animorigin[2]};
+    const stepturn vertexturn(x, y, z, s.order & 1);
+    quad* v = m.vertices.get();
     foreachvertex(m, s, [&](int i) {
-        quad& p = m.vertices[i];
+        quad p = v[i];
         p.x -= o[0], p.y -= o[1], p.z -= o[2];
-        turnpoint(p, x, y, z, xfirst);
-        p.x += o[0], p.y += o[1], p.z += o[2];
+        vertexturn(p);
+        v[i] = {p.x + o[0], p.y + o[1], p.z + o[2], p.w};
     });
     if (!normals) return;
     requiremask(m, FM_ANIMATE_NORMALS,
                 "Attempted to animate normals when function mask doesn't contain FM_ANIMATE_NORMALS: ");
     // Loose vertices have no normals to turn.
     const int withnormals = m.normals.length();
+    const stepturn normalturn(x, y, z, false);
     foreachvertex(m, s, [&](int i) {
-        if (i < withnormals) turnpoint(m.normals[i], x, y, z, false);
+        if (i < withnormals) normalturn(m.normals[i]);
     });
 }
 
