@@ -13,26 +13,26 @@ std::vector<int> selected(const grouptable& t, int count, const allocatedmemory<
                           const animationselection& s) {
     std::vector<int> out;
     for (int i = 0; s.whole && i < count; ++i) out.push_back(i);
-    for (int g = 0; !s.whole && g < s.groupcount; ++g) {
-        const int id = s.groups[g];
-        for (int k = 0; id >= 0 && id < t.index.length() && k < t.index[id].count; ++k) {
-            const int item = t.members[t.index[id].start + k];
-            if (!s.masked || masks.empty() || (s.select & masks[item])) out.push_back(item);
-        }
-    }
+    for (int g = 0, id; !s.whole && g < s.groupcount; ++g)
+        for (int k = 0; (id = s.groups[g]) >= 0 && id < t.index.length() && k < t.index[id].count; ++k)
+            if (int item = t.members[t.index[id].start + k]; !s.masked || masks.empty() || (s.select & masks[item]))
+                out.push_back(item);
     return out;
 }
 
 using m3 = std::array<std::array<float, 3>, 3>;
-m3 times(const m3& a, const m3& b) {
-    m3 out;
-    for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 3; ++c) out[r][c] = a[r][0] * b[0][c] + a[r][1] * b[1][c] + a[r][2] * b[2][c];
+std::array<float, 3> times(const m3& a, const float* v) {
+    std::array<float, 3> out;
+    for (int r = 0; r < 3; ++r) out[r] = a[r][0] * v[0] + a[r][1] * v[1] + a[r][2] * v[2];
     return out;
 }
-std::array<float, 3> times(const m3& a, const float* v) {
-    return {a[0][0] * v[0] + a[0][1] * v[1] + a[0][2] * v[2], a[1][0] * v[0] + a[1][1] * v[1] + a[1][2] * v[2],
-            a[2][0] * v[0] + a[2][1] * v[1] + a[2][2] * v[2]};
+m3 times(const m3& a, const m3& b) {
+    m3 out;
+    for (int c = 0; c < 3; ++c) {
+        const float column[3] = {b[0][c], b[1][c], b[2][c]};
+        for (int r = 0; const float e : times(a, column)) out[r++][c] = e;
+    }
+    return out;
 }
 
 TEST_F(animation, everystepfollowstherules) {
@@ -40,11 +40,11 @@ TEST_F(animation, everystepfollowstherules) {
     for (int round = 0; round < 1500 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         std::unique_ptr<model> m = randommodel(rng() % 4 ? 0xFFFFF : 0xFFDFF);
-        for (auto* masks : {&m->vertexmasks, &m->facemasks}) {
-            if (rng() % 2) continue;
-            pool.allocate(*masks, masks == &m->vertexmasks ? m->vertexcount : m->facecount);
-            for (int i = 0; i < masks->length(); ++i) (*masks)[i] = uint16_t(rng() % 4);
-        }
+        for (auto* masks : {&m->vertexmasks, &m->facemasks})
+            if (rng() % 2) {
+                pool.allocate(*masks, masks == &m->vertexmasks ? m->vertexcount : m->facecount);
+                for (int i = 0; i < masks->length(); ++i) (*masks)[i] = uint16_t(rng() % 4);
+            }
         const int entry = round % 4, type = types[rng() % 7];  // h.J, h.e, h.w, h.e with a frame
         std::vector<int32_t> ids(rng() % 5), frame(14);
         for (int32_t& id : ids) id = int(rng() % 13) - 1;
@@ -52,7 +52,7 @@ TEST_F(animation, everystepfollowstherules) {
         animationselection s;
         s.groups = ids.data(), s.groupcount = int(ids.size()), s.whole = entry == 2, s.masked = entry & 1;
         s.select = rng() % 4, s.order = entry == 0 ? int(rng() % 2) : 0;
-        const int x = int(rng() % 16384), y = int(rng() % 3) * 8000, z = int(rng() % 300) - 100;
+        const int x = int(rng() % 16384), y = int(rng() % 3) * 8000, z = int(rng() % 300) - 100, angle[3] = {x, y, z};
         const bool normals = entry != 2 && rng() % 2 && !m->normals.empty();
         for (float& o : m->animorigin) o = float(int(rng() % 200) - 100);
         m->originfresh = rng() % 2;
@@ -64,56 +64,45 @@ TEST_F(animation, everystepfollowstherules) {
         bool fresh = m->originfresh, dirty = false, refuse = false;
         const std::vector<int> verts = selected(m->vertexgroups, m->vertexcount, m->vertexmasks, s);
         const std::vector<int> faces = selected(m->facegroups, m->facecount, m->facemasks, s);
-        m3 a;
-        for (int k = 0; k < 9; ++k) a[k / 3][k % 3] = decodeframe(frame[k]);
+        m3 a, at, own = {{{f[0], 0, 0}, {0, f[1], 0}, {0, 0, f[2]}}};
+        for (int k = 0; k < 9; ++k) a[k / 3][k % 3] = at[k % 3][k / 3] = decodeframe(frame[k]);
         if (type == 0) {
             o[0] = o[1] = o[2] = 0.0f;
             for (int i : verts) o[0] += v[i].x, o[1] += v[i].y, o[2] += v[i].z;
-            const float r = 1.0f / float(verts.size());
-            for (int k = 0; k < 3; ++k) o[k] = verts.empty() ? f[k] : o[k] * r + f[k];
+            for (int k = 0; k < 3; ++k) o[k] = verts.empty() ? f[k] : o[k] * (1.0f / float(verts.size())) + f[k];
             fresh = fresh || (s.masked && !verts.empty());
         } else if (type == 1) {
             const std::array<float, 3> t = entry == 3 ? times(a, f) : std::array<float, 3>{f[0], f[1], f[2]};
             for (int i : verts) v[i].x += t[0], v[i].y += t[1], v[i].z += t[2];
         } else if ((type == 2 || type == 3) && entry == 3) {
-            m3 at, own = {{{f[0], 0, 0}, {0, f[1], 0}, {0, 0, f[2]}}};
-            for (int r = 0; r < 3; ++r)
-                for (int c = 0; c < 3; ++c) at[r][c] = a[c][r];
+            // A (O (A^T p + T2 - o) + o) + T1, folded into one matrix and one vector before the loop.
             const float t1[3] = {decodeframe(frame[9]), decodeframe(frame[10]), decodeframe(frame[11])};
             const float t2[3] = {decodeframe(frame[12]), decodeframe(frame[13]), 0.0f};
-            if (fresh) {
-                const std::array<float, 3> moved = times(at, o);
-                for (int k = 0; k < 3; ++k) o[k] = moved[k] + t2[k];
-                fresh = false;
-            }
+            const std::array<float, 3> moved = times(at, o);
+            for (int k = 0; k < 3 && fresh; ++k) o[k] = moved[k] + t2[k];
+            fresh = false;
             const float sx = sintable[x], cx = costable[x], sy = sintable[y], cy = costable[y];
             const float sz = sintable[z & 0x3FFF], cz = costable[z & 0x3FFF];
             if (type == 2)
-                own = {{{sz * sx * sy + cz * cy, cz * sx * sy - sz * cy, sy * cx},
-                        {sz * cx, cz * cx, -sx},
+                own = {{{sz * sx * sy + cz * cy, cz * sx * sy - sz * cy, sy * cx}, {sz * cx, cz * cx, -sx},
                         {sz * sx * cy - cz * sy, sz * sy + cz * sx * cy, cy * cx}}};
-            const m3 whole = times(a, times(own, at));
-            float u[3] = {t2[0] - o[0], t2[1] - o[1], t2[2] - o[2]}, w[3];
-            const std::array<float, 3> turned = times(own, u);
-            for (int k = 0; k < 3; ++k) w[k] = turned[k] + o[k];
-            std::array<float, 3> t = times(a, w);
-            for (int k = 0; k < 3; ++k) t[k] += t1[k];
+            const float u[3] = {t2[0] - o[0], t2[1] - o[1], t2[2] - o[2]};
+            std::array<float, 3> w = times(own, u);
+            for (int k = 0; k < 3; ++k) w[k] += o[k];
+            std::array<float, 3> t = times(a, w.data());
             for (int i : verts) {
-                const std::array<float, 3> p = times(whole, &v[i].x);
-                v[i].x = p[0] + t[0], v[i].y = p[1] + t[1], v[i].z = p[2] + t[2];
+                const std::array<float, 3> p = times(times(a, times(own, at)), &v[i].x);
+                v[i].x = p[0] + (t[0] + t1[0]), v[i].y = p[1] + (t[1] + t1[1]), v[i].z = p[2] + (t[2] + t1[2]);
             }
         } else if (type == 2) {
+            refuse = normals && !(m->functionmask & FM_ANIMATE_NORMALS);
             for (int i : verts) {
                 quad& p = v[i];
                 p.x -= o[0], p.y -= o[1], p.z -= o[2];
-                if (s.order && x) turnedby(0, p, x);
-                if (z) turnedby(2, p, z);
-                if (!s.order && x) turnedby(0, p, x);
-                if (y) turnedby(1, p, y);
+                for (int axis : s.order ? std::array{0, 2, 1} : std::array{2, 0, 1})
+                    if (angle[axis]) turnedby(axis, p, angle[axis]);
                 p.x += o[0], p.y += o[1], p.z += o[2];
             }
-            refuse = normals && !(m->functionmask & FM_ANIMATE_NORMALS);
-            const int angle[3] = {x, y, z};
             for (int i : verts)
                 for (int axis : {2, 0, 1})
                     if (normals && !refuse && i < int(n.size()) && angle[axis]) turnedby(axis, n[i], angle[axis]);
@@ -126,17 +115,16 @@ TEST_F(animation, everystepfollowstherules) {
             for (int i : faces)
                 codes[i] = uint16_t(((codes[i] >> 10) + x) & 63) << 10 | std::clamp((codes[i] >> 7 & 7) + y, 0, 7) << 7 |
                            std::clamp((codes[i] & 127) + z, 0, 127);
-            dirty = s.whole || std::any_of(ids.begin(), ids.end(),
-                                           [&](int id) { return id >= 0 && id < m->facegroups.index.length(); });
+            for (int id : ids) dirty = dirty || (id >= 0 && id < m->facegroups.index.length());
+            dirty = dirty || s.whole;
         }
         EXPECT_EQ(refused([&] {
-                      if (entry == 3) animateframed(*m, type, s, x, y, z, frame.data());
-                      else animatestep(*m, type, s, x, y, z, normals);
-                  }), refuse);
+            if (entry == 3) animateframed(*m, type, s, x, y, z, frame.data());
+            else animatestep(*m, type, s, x, y, z, normals);
+        }), refuse);
         EXPECT_TRUE(samebits(v, m->vertices) && samebits(n, m->normals));
         EXPECT_TRUE(samebits(alphas, m->facealphas) && samebits(codes, m->fhsl));
-        EXPECT_EQ(std::memcmp(o, m->animorigin, sizeof o), 0);
-        EXPECT_EQ(m->originfresh != 0, fresh);
+        EXPECT_TRUE(!std::memcmp(o, m->animorigin, sizeof o) && (m->originfresh != 0) == fresh);
         EXPECT_EQ(m->colourdirty != 0, dirty);
     }
 }
@@ -150,17 +138,15 @@ TEST_F(animation, matrixonmaskedverticesfollowstherules) {
         float a[16];
         for (float& e : a) e = float(int(rng() % 2001) - 1000) / 256.0f;
         const uint32_t select = rng() % 4;
-        const bool inverse = round % 2;
         std::vector<quad> v = contents(m->vertices);
         for (int i = 0; i < m->usedvertexcount; ++i) {
-            if (!(select & m->vertexmasks[i])) continue;
             const quad p = v[i];
             const float d[3] = {p.x - a[12], p.y - a[13], p.z - a[14]};
-            for (int r = 0; r < 4; ++r)
-                (&v[i].x)[r] = inverse ? d[0] * a[4 * r] + d[1] * a[4 * r + 1] + d[2] * a[4 * r + 2]
-                                       : (a[12 + r] + p.y * a[4 + r]) + (p.z * a[8 + r] + p.x * a[r]);
+            for (int r = 0; r < 4 && (select & m->vertexmasks[i]); ++r)
+                (&v[i].x)[r] = round % 2 ? d[0] * a[4 * r] + d[1] * a[4 * r + 1] + d[2] * a[4 * r + 2]
+                                         : (a[12 + r] + p.y * a[4 + r]) + (p.z * a[8 + r] + p.x * a[r]);
         }
-        applymatrix(*m, a, select, inverse);
+        applymatrix(*m, a, select, round % 2);
         EXPECT_TRUE(samebits(v, m->vertices)) << round;
     }
 }

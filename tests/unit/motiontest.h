@@ -1,5 +1,5 @@
-// Models that move, for tests: random models built, lit and bounded, a snapshot of everything a
-// refused call must leave alone, and the turn rules through the tables.
+// Models that move, for tests: random models built, lit and bounded, the bytes a refused call must
+// leave alone, and the turn rules through the tables.
 #pragma once
 #include <cmath>
 #include <cstring>
@@ -10,38 +10,27 @@
 #include "modeltest.h"
 
 template <class T>
-std::vector<T> contents(const allocatedmemory<T>& a) {
-    return std::vector<T>(a.get(), a.get() + a.length());
-}
+std::vector<T> contents(const allocatedmemory<T>& a) { return std::vector<T>(a.get(), a.get() + a.length()); }
 
 template <class T>
-bool samebits(const std::vector<T>& expected, const allocatedmemory<T>& a) {
-    return int(expected.size()) == a.length() && !std::memcmp(expected.data(), a.get(), expected.size() * sizeof(T));
+bool samebits(const std::vector<T>& e, const allocatedmemory<T>& a) {
+    return int(e.size()) == a.length() && !std::memcmp(e.data(), a.get(), e.size() * sizeof(T));
 }
 
-// What a model holds that transforms, steps and clones change.
-struct modelsnapshot {
-    std::vector<uint8_t> bytes;
-    explicit modelsnapshot(const model& m) {
-        auto add = [&](const void* p, size_t n) { bytes.insert(bytes.end(), (const uint8_t*)p, (const uint8_t*)p + n); };
-        for (const auto* a : {&m.vertices, &m.normals, &m.facenormals, &m.sharednormals})
-            add(a->get(), a->bytes()), bytes.push_back(a->empty());
-        add(m.fhsl.get(), m.fhsl.bytes()), add(m.facealphas.get(), m.facealphas.bytes());
-        add(m.faceb.get(), m.faceb.bytes()), bytes.push_back(m.litcolours.empty());
-        add(&m.functionmask, 4), add(&m.boundsvalid, 1), add(&m.radius, 16), add(m.animorigin, 12);
-    }
-    bool operator==(const modelsnapshot&) const = default;
-};
+// What transforms, steps and clones change, as bytes.
+inline std::vector<uint8_t> snapshot(const model& m) {
+    std::vector<uint8_t> b;
+    auto add = [&](const void* p, size_t n) { b.insert(b.end(), (const uint8_t*)p, (const uint8_t*)p + n); };
+    auto array = [&](const auto& a) { add(a.get(), a.bytes()), b.push_back(a.empty()); };
+    array(m.vertices), array(m.normals), array(m.facenormals), array(m.sharednormals), array(m.fhsl);
+    array(m.faceb), array(m.litcolours), add(&m.functionmask, 4), add(&m.boundsvalid, 1), add(&m.radius, 16);
+    return b;
+}
 
-// Runs a call that must be refused; true when it was, by a native failure.
+// True when the call was refused by a native failure.
 template <class F>
 bool refused(F call) {
-    try {
-        call();
-    } catch (Exception* e) {
-        delete e;
-        return true;
-    }
+    try { call(); } catch (Exception* e) { return delete e, true; }
     return false;
 }
 
@@ -55,7 +44,7 @@ inline void turnedby(int axis, quad& p, int angle) {
 
 class motiontest : public modeltest {
 protected:
-    // A random model with all of `mask`, lit, with its bounds; now and then without normals.
+    // A random model with `mask`, lit, with its bounds; now and then without normals.
     std::unique_ptr<model> randommodel(uint32_t mask) {
         randomhostmodel h(rng, texturecount);
         h.s.functionmask = mask, h.s.modelflags = rng() & MF_POINTLIT;
