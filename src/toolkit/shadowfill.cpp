@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "raster/cornerorder.h"
 #include "toolkit/toolkit.h"
 #include "util/truncate.h"
 
@@ -24,20 +25,7 @@ void fillrows(long long y, long long rows, float& left, float leftstep, float& r
 void filltriangle(const int corners[3][2]) {
     const int y0 = corners[0][1], y1 = corners[1][1], y2 = corners[2][1];
     int order[3];
-    if (y1 > y0) {
-        if (y2 > y1)
-            order[0] = 0, order[1] = 1, order[2] = 2;
-        else if (y2 > y0)
-            order[0] = 0, order[1] = 2, order[2] = 1;
-        else
-            order[0] = 2, order[1] = 0, order[2] = 1;
-    } else if (y2 > y0) {
-        order[0] = 1, order[1] = 0, order[2] = 2;
-    } else if (y2 > y1) {
-        order[0] = 1, order[1] = 2, order[2] = 0;
-    } else {
-        order[0] = 2, order[1] = 1, order[2] = 0;
-    }
+    cornerorder(y0, y1, y2, order);
     float x[3];
     int row[3];
     for (int i = 0; i < 3; ++i) {
