@@ -56,11 +56,11 @@ void foreachbillboard(const model& m, const animationselection& s, F&& each) {
     foreachselected(s, m.billboardgroups, m.billboardstates.length(), nullptr, each);
 }
 
-// The pivot: the mean of the selected vertices, summed in the pivot itself, plus the offset.
 void translate(model& m, const animationselection& s, const float t[3]) {
     foreachvertex(m, s, [&](int i) { m.vertices[i].x += t[0], m.vertices[i].y += t[1], m.vertices[i].z += t[2]; });
 }
 
+// The pivot: the mean of the selected vertices, summed in the pivot itself, plus the offset.
 void setorigin(model& m, const animationselection& s, int x, int y, int z) {
     float* o = m.animorigin;
     o[0] = o[1] = o[2] = 0.0f;

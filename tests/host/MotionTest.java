@@ -25,10 +25,11 @@ class MotionTest {
                     null, null, 2, new short[] {0, 0}, new short[] {1, 2}, new short[] {2, 3}, null, null, null, null,
                     new short[] {0x1234, 0x4321}, null, null, (byte) 0, null, 0, null, null, null, null, null, null,
                     null, null, null, null, null, null, null, 0, 0, 0xFFFFF, 0, 128, 768, null);
+            int fresh = m.RA();
             m.ia(5, 0, 0);  // the bounds stay as they were until something clears them
             int stale = m.RA();
             m.oa(128, 128, 128);
-            assertArrayEquals(new int[] {-10, -5}, new int[] {stale, m.RA()});
+            assertArrayEquals(new int[] {-10, -10, -5}, new int[] {fresh, stale, m.RA()});
             m.f(8192); m.S(0); m.t(0); m.VA(0); m.EA(0); m.K(0); m.wa(); m.wa();
             m.w(1, 3, 0, 0); m.e(0, new int[] {0}, 1, 2, 3, false, 1, null); m.J(m.nativeid, 2, new int[0], 0, 0, 0, 0, false);
             m.ka();
