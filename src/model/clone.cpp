@@ -1,5 +1,6 @@
 #include "model/clone.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "model/lighting.h"
@@ -30,7 +31,7 @@ void copyprivate(memorymanager& pool, const allocatedmemory<T>& source, allocate
                  allocatedmemory<T>& scratch, int count, int spare = 0) {
     if (source.empty()) return dest.release();
     takescratch(pool, dest, scratch, count, spare);
-    std::memcpy(static_cast<void*>(dest.get()), source.get(), static_cast<size_t>(count) * sizeof(T));
+    std::copy_n(source.get(), count, dest.get());
 }
 
 void sharegroups(const grouptable& source, grouptable& dest) {
@@ -79,7 +80,7 @@ void clonemodel(model& source, model& dest, model& scratch, uint32_t mask, bool 
         dest.facealphas.copyfrom(source.facealphas);
     } else if (source.facealphas.empty()) {
         takescratch(pool, dest.facealphas, scratch.facealphas, faces);
-        std::memset(dest.facealphas.get(), 0, static_cast<size_t>(faces));
+        std::fill_n(dest.facealphas.get(), faces, 0);
     } else {
         copyprivate(pool, source.facealphas, dest.facealphas, scratch.facealphas, faces);
     }

@@ -1,7 +1,6 @@
 #include "model/shadow.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "toolkit/shadowfill.h"
 #include "util/frame.h"
@@ -32,7 +31,7 @@ shadowmask* modelshadow(model& m, const toolkit& t, shadowmask* given) {
     const int w = x1 - x0 + 1, h = z1 - z0 + 1;
     shadowmask* mask = given;
     if (given && h * w <= given->cells.length())
-        std::memset(given->cells.get(), 0, static_cast<size_t>(given->cells.length()));
+        std::fill_n(given->cells.get(), given->cells.length(), 0);
     else
         mask = new shadowmask(*m.pool, w, h);
     mask->x = x0, mask->y = z0, mask->usedwidth = x1, mask->usedheight = z1;

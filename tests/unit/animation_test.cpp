@@ -109,9 +109,9 @@ TEST_F(animation, everystepfollowstherules) {
         } else if (type == 3) {
             for (int i : verts)
                 for (int k = 0; k < 3; ++k) (&v[i].x)[k] = f[k] * ((&v[i].x)[k] - o[k]) * 0.0078125f + o[k];
-        } else if (type == 5 && !alphas.empty() && (s.whole || !m->facegroups.index.empty())) {
+        } else if (type == 5 && !m->facealphas.empty() && (s.whole || !m->facegroups.index.empty())) {
             for (int i : faces) alphas[i] = uint8_t(std::clamp(alphas[i] + x * 8, 0, 255));
-        } else if (type == 7 && !codes.empty()) {
+        } else if (type == 7 && !m->fhsl.empty()) {
             for (int i : faces)
                 codes[i] = uint16_t(((codes[i] >> 10) + x) & 63) << 10 | std::clamp((codes[i] >> 7 & 7) + y, 0, 7) << 7 |
                            std::clamp((codes[i] & 127) + z, 0, 127);
