@@ -1,6 +1,6 @@
-// The fuzz families: random calls of every clipping draw, with positions, sizes, pads and clip
-// rectangles from the ordinary to the extreme, into targets fenced by sentinels and inaccessible
-// pages, from images flush against such pages. Nothing may change outside the clip rectangle,
+// The fuzz families: random calls of every clipping draw and model draw, with positions, sizes,
+// pads, matrices and clip rectangles from the ordinary to the extreme, into targets fenced by
+// sentinels and inaccessible pages, from images flush against such pages. Nothing may change outside the clip rectangle,
 // nothing outside the target or the image may be touched, and wherever the family has a scalar
 // reference every pixel must match it. A new family is one function and one row of `families`.
 #include <gtest/gtest.h>
@@ -17,6 +17,8 @@
 
 #include "fontreference.h"
 #include "fuzz.h"
+#include "model/render.h"
+#include "modeltest.h"
 #include "shapereference.h"
 #include "sprite/drawscaled.h"
 #include "sprite/drawsprite.h"
@@ -531,6 +533,35 @@ bool thicklines(fuzzcase& c) {
     return s.check(false);
 }
 
+// Random models of the host's sizes, textures loaded or declined, each under four random matrices
+// (some not numbers, infinite, huge or singular) with random lights, fog and shade, on every form
+// of target: nothing changes outside the clip or the buffers; a model that passes the cull gives
+// its extent, one that does not leaves the result as it was.
+bool models(fuzzcase& c) {
+    static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(8),
+                                                                              destroytexturestore);
+    [[maybe_unused]] static const bool made = [] {
+        buildtrigtables(), buildhsltorgb();
+        testrng r(3);
+        return filltextures(*store, 8, 6, r), true;
+    }();
+    clientscene s(c);
+    toolkit& t = s.host.t;
+    t.textures = store.get();
+    randomscene(t, *store, c);
+    memorymanager pool{1 << 12};
+    const std::unique_ptr<model> m = buildmodel(randomhostmodel(c, 8).s, pool);
+    const std::unique_ptr<renderworkspace, void (*)(renderworkspace*)> w(makeworkspace(t, 0, 0), destroyworkspace);
+    for (int draw = 0; draw < 4; ++draw) {
+        alignas(16) float matrix[16];
+        randommatrix(matrix, c, true);
+        int result[6] = {}, untouched[6] = {};
+        const int member = drawmodel(*m, *w, matrix, result);
+        EXPECT_EQ(std::memcmp(result, untouched, sizeof result) != 0, member >= 0) << "draw " << draw;
+    }
+    return s.check(true);
+}
+
 const fuzzfamily families[] = {
     {"shapes", 100000, shapes},
     {"sprites", 60000, sprites},
@@ -538,6 +569,7 @@ const fuzzfamily families[] = {
     {"fonts", 1500, fonts},
     {"particles", 10000, particles},
     {"thicklines", 20000, thicklines},
+    {"models", 4000, models},
 };
 
 class fuzz : public ::testing::TestWithParam<fuzzfamily> {};
