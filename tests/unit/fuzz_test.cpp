@@ -18,6 +18,7 @@
 #include "fontreference.h"
 #include "fuzz.h"
 #include "model/render.h"
+#include "modelreference.h"
 #include "modeltest.h"
 #include "shapereference.h"
 #include "sprite/drawscaled.h"
@@ -536,7 +537,8 @@ bool thicklines(fuzzcase& c) {
 // Random models of the host's sizes, textures loaded or declined, each under four random matrices
 // (some not numbers, infinite, huge or singular) with random lights, fog and shade, on every form
 // of target: nothing changes outside the clip or the buffers; a model that passes the cull gives
-// its extent, one that does not leaves the result as it was.
+// its extent, one that does not leaves the result as it was; and the faces of models without
+// billboards are drawn as the reference of the chosen member draws them, to the bit.
 bool models(fuzzcase& c) {
     static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(8),
                                                                               destroytexturestore);
@@ -552,12 +554,35 @@ bool models(fuzzcase& c) {
     memorymanager pool{1 << 12};
     const std::unique_ptr<model> m = buildmodel(randomhostmodel(c, 8).s, pool);
     const std::unique_ptr<renderworkspace, void (*)(renderworkspace*)> w(makeworkspace(t, 0, 0), destroyworkspace);
-    for (int draw = 0; draw < 4; ++draw) {
+    testtarget& g = s.g;
+    const size_t n = size_t(g.pixels());
+    // Mostly far depths, that faces pass, and a depth range that the screen bounds can hold.
+    for (size_t i = 0; i < n; ++i) g.depth[i] = s.depths[i] = c.onein(4) ? s.depths[i] : 2.0f;
+    const int* v = rasterstate.viewport;
+    setviewport(v[0], v[1], v[2], v[3], c.real(-0.5f, 0.5f), c.onein(4) ? c.real(1, 1.5f) : c.real(0.5f, 1));
+    for (int draw = 0; draw < 4 && !::testing::Test::HasFailure(); ++draw) {
         alignas(16) float matrix[16];
         randommatrix(matrix, c, true);
         int result[6] = {}, untouched[6] = {};
+        const bool twopasses = m->hastranslucency;
+        const std::vector<uint32_t> colours(g.colour.get(), g.colour.get() + n);
+        const std::vector<float> depths(g.depth.get(), g.depth.get() + n);
         const int member = drawmodel(*m, *w, matrix, result);
         EXPECT_EQ(std::memcmp(result, untouched, sizeof result) != 0, member >= 0) << "draw " << draw;
+        if (member < 0 || m->billboards.length() > 0) continue;
+        // The reference draws the faces again over the target as it was.
+        const std::vector<uint32_t> drawn(g.colour.get(), g.colour.get() + n);
+        const std::vector<float> drawndepths(g.depth.get(), g.depth.get() + n);
+        std::copy(colours.begin(), colours.end(), g.colour.get());
+        std::copy(depths.begin(), depths.end(), g.depth.get());
+        const modelmember chosen = modelmembers[size_t(member)];
+        EXPECT_EQ(modelreference::draw(*m, t, matrix, twopasses),
+                  (std::array<bool, 3>{chosen.get<memberlight>() == memberlight::pointlit,
+                                       chosen.get<membershade>() == membershade::shade,
+                                       chosen.get<memberfog>() == memberfog::fog}))
+            << "draw " << draw;
+        EXPECT_TRUE(samepixels(g, drawn)) << "draw " << draw << " member " << member;
+        EXPECT_EQ(std::memcmp(drawndepths.data(), g.depth.get(), n * 4), 0) << "draw " << draw;
     }
     return s.check(true);
 }

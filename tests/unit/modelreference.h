@@ -1,11 +1,14 @@
 // Scalar references of model colour, written from the rules: normals, the base colour, and the
-// sun and point light terms (through the processor's approximations where the rules use them).
+// sun and point light terms (through the processor's approximations where the rules use them);
+// and the faces of a model drawn by the rules through the reference triangle level.
 #pragma once
+#include <array>
 #include <climits>
 #include <cmath>
 #include <vector>
 
 #include "model/lighting.h"
+#include "projectionreference.h"
 #include "rasterreference.h"
 #include "toolkit/tables.h"
 #include "toolkit/texturestore.h"
@@ -71,6 +74,75 @@ inline void normals(const model& m, std::vector<quad>& normal, std::vector<quad>
     }
     for (quad& n : normal)
         if (n.w != 0) n = {n.x * (1.0f / n.w), n.y * (1.0f / n.w), n.z * (1.0f / n.w), 1.0f};
+}
+
+// The faces of `m` under model matrix `M` as the member of the current lights, fog, shade and
+// target draws them, in one pass or, with `twopasses`, opaque faces then translucent ones; the
+// billboards are left out. Gives the member's light, shade and fog axes.
+inline std::array<bool, 3> draw(const model& m, const toolkit& t, const float* M, bool twopasses) {
+    using rasterreference::byte, rasterreference::maxss, rasterreference::minss;
+    const rasterstatedata& r = rasterstate;
+    float mvp[16], low[4], high[4], lowaxis[4] = {0, float(m.miny), 0, 1}, highaxis[4] = {0, float(m.maxy), 0, 1};
+    for (int i = 0; i < 4; ++i) referencetransform(M + 4 * i, t.viewprojection, mvp + 4 * i);
+    referenceproject(lowaxis, mvp, low), referenceproject(highaxis, mvp, high);
+    const bool pointlit = (m.modelflags & MF_POINTLIT) && t.lightcount > 0 && r.targetcolour, shade = t.fogoverride;
+    const bool fog = t.fogdistance > 0 && (low[2] > high[2] ? low[2] : high[2]) > r.fogstart && r.targetcolour;
+    const recipe fold = shade ? (fog ? recipe::fogshade : recipe::shadeonly) : fog ? recipe::fogonly : recipe::plain;
+    pointlights lights{};
+    lights.count = t.lightcount;
+    for (int i = 0; i < t.lightcount; ++i) {
+        const float d[3] = {t.lightposition[i][0] - M[12], t.lightposition[i][1] - M[13], t.lightposition[i][2] - M[14]};
+        for (int k = 0; k < 4; ++k)
+            lights.position[i][k] = d[0] * M[4 * k] + d[1] * M[4 * k + 1] + d[2] * M[4 * k + 2],
+            lights.colour[i][k] = float(byte(uint32_t(t.lightcolour[i]), k));
+        lights.radius[i] = t.lightradius[i];
+    }
+    std::vector<std::array<float, 4>> screen(size_t(m.usedvertexcount));
+    for (int i = 0; i < m.usedvertexcount; ++i) {
+        const float p[4] = {m.vertices[i].x, m.vertices[i].y, m.vertices[i].z, 1};
+        referenceproject(p, mvp, screen[size_t(i)].data()), screen[size_t(i)][3] = screen[size_t(i)][2];
+    }
+    for (int pass = twopasses; pass <= 2 * twopasses; ++pass)
+        for (int f = 0; f < m.facecount; ++f) {
+            const int type = m.facetypes.empty() ? 0 : m.facetypes[f], alpha = m.facealphas.empty() ? 0 : m.facealphas[f];
+            const int v[3] = {m.facea[f], m.faceb[f], m.facec[f]};
+            alignas(16) rastertriangle tri{};
+            if (type == 2 || !rasterreference::accept(screen[v[0]].data(), screen[v[1]].data(), screen[v[2]].data()))
+                continue;
+            for (int k = 0; k < 4; ++k) {
+                for (int c = 0; c < 3; ++c) tri.position[c][k] = screen[v[c]][k];
+                const float height = k < 3 ? -(M[1] * m.vertices[v[k]].x + M[5] * m.vertices[v[k]].y +
+                                                M[9] * m.vertices[v[k]].z + M[13]) : 1.0f;
+                tri.shadefactor[k] = minss(maxss((height - t.shadestartf) * t.shadescale, 0), 1);
+                tri.shadetint[k] = r.shadecolour[k];
+            }
+            if (shade && r.targetcolour && (tri.shadefactor[0] == 1 || tri.shadefactor[1] == 1 || tri.shadefactor[2] == 1)) continue;
+            const texturerecord* rec = f < m.texturedfacecount ? gettexture(m.facetextures[f]) : nullptr;
+            const bool alphatexture = rec && rec->value == 2;
+            if (pass == 1 ? alpha != 0 || alphatexture : pass == 2 && (alpha == 255 || (!alphatexture && !alpha)))
+                continue;
+            faceselection face = {fold, shading::gouraud, alphamode::opaque, wrapmode::repeat,
+                                  alpha ? blended::yes : blended::no, r.targetcolour != nullptr, r.targetdepth != nullptr};
+            if (!r.targetcolour) face.blend = blended::no;
+            const float scale = (type ? 512.0f : 768.0f) / float(m.contrast);
+            for (int c = 0; c < 3 && r.targetcolour; ++c) {
+                const quad& shared = m.sharednormals.empty() ? quad{} : m.sharednormals[v[c]];
+                const quad& n = type ? m.facenormals[f] : shared.w != 0 ? shared : m.normals[v[c]];
+                uint32_t colour = m.litcolours[f].corner[c];
+                if ((pointlit || m.facenormals.length() > 0) && !(rec && rec->type == 6) && type < 2)
+                    colour = sun(colour, n, scale, t);
+                if (pointlit && !(rec && rec->type == 6)) colour = point(colour, &m.vertices[v[c]].x, n, lights);
+                setcolourlanes(tri.colour[c], colour);
+                const texel* uv = rec && rec->pixels ? &(c == 0 ? m.uva : c == 1 ? m.uvb : m.uvc)[f] : nullptr;
+                for (int k = 0; uv && k < 4; ++k) tri.uv[c][k] = (k % 2 ? uv->v : uv->u) + (k % 2 ? rec->offsetv : rec->offsetu)[0];
+            }
+            tri.blendfactor = uint32_t(255 - alpha) * 0x10001u, tri.texels[0] = rec ? rec->pixels : nullptr;
+            if (r.targetcolour && rec && rec->pixels)
+                face.kind = shading::textured, face.alpha = alphamodeof(rec->value),
+                face.wrap = rec->flagfive || rec->flagsix ? wrapmode::repeat : wrapmode::clamp;
+            rasterreference::triangle(modeltriangle(face), tri);
+        }
+    return {pointlit, shade, fog};
 }
 
 }  // namespace modelreference
