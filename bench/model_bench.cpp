@@ -236,15 +236,7 @@ void peer(benchmark::State& state) {
         texels.assign(atlas, atlas + texturesize * texturepitch);
     }
     p->load(work, peerfill::textured, texels.data(), 255);
-    p->draw();
-    p->finish();
-    for (auto _ : state) {
-        state.PauseTiming();
-        p->cleardepth();
-        state.ResumeTiming();
-        p->draw();
-        p->finish();
-    }
+    drawloaded(state, *p);
     using benchmark::Counter;
     state.counters["drawn"] = Counter(double(state.iterations()) * work.count(), Counter::kIsRate);
     state.counters["pixels"] = Counter(double(state.iterations()) * work.pixels, Counter::kIsRate);

@@ -113,16 +113,7 @@ void peer(benchmark::State& state, const workload* w) {
     }
     const trianglework& work = triangles(w);
     p->load(work, w->fill, texture().data(), blendweight);
-    // The first draw of a fill compiles its shaders.
-    p->draw();
-    p->finish();
-    for (auto _ : state) {
-        state.PauseTiming();
-        p->cleardepth();
-        state.ResumeTiming();
-        p->draw();
-        p->finish();
-    }
+    drawloaded(state, *p);
     rates(state, work, true);
 }
 

@@ -83,12 +83,7 @@ public class Demo {
     // The torus turned by `frame` steps and tipped towards the camera, in a viewport of its own, lit
     // by the sun and an orange point light, fogged at its far side, its glows in the fog as well.
     void model(a client, int frame) {
-        tk.GA(0f, 1f);
-        tk.A(245, 445, 190, 140);
-        float near = 1f, far = 170f, f = 1.6f, aspect = 190f / 140f;
-        tk.wa(new float[] {f / aspect, 0, 0, 0, 0, f, 0, 0, 0, 0, (far + near) / (far - near), 1, 0, 0,
-                           -2 * far * near / (far - near), 0});
-        tk.AA(new float[] {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1});
+        camera(245, 445, 190, 140, 170f);
         tk.m(0xFFFFF0, 0.9f, 0.3f, -0.4f, -0.7f, -0.6f);
         tk.IA(0.7f);
         tk.Q(1, new int[] {-70, -30, 100, 90, 0xFFA040}, new float[] {1f});
@@ -317,15 +312,21 @@ public class Demo {
         }
     }
 
-    // A helix of particles seen in perspective through a viewport of its own: blended discs, glows,
-    // stars and a few checkered squares.
-    void particles(a client) {
+    // A camera at the origin looking down z in perspective, from 1 to `far`, through a viewport of
+    // its own.
+    void camera(int x, int y, int w, int h, float far) {
         tk.GA(0f, 1f);
-        tk.A(0, 590, 420, 125);
-        float near = 1f, far = 200f, f = 1.6f, aspect = 420f / 125f;
+        tk.A(x, y, w, h);
+        float near = 1f, f = 1.6f, aspect = w / (float) h;
         tk.wa(new float[] {f / aspect, 0, 0, 0, 0, f, 0, 0, 0, 0, (far + near) / (far - near), 1, 0, 0,
                            -2 * far * near / (far - near), 0});
         tk.AA(new float[] {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1});
+    }
+
+    // A helix of particles seen in perspective through a viewport of its own: blended discs, glows,
+    // stars and a few checkered squares.
+    void particles(a client) {
+        camera(0, 590, 420, 125, 200f);
         int n = 120;
         int[] positions = new int[3 * n], colours = new int[n], sizes = new int[n];
         short[] textures = new short[n];
