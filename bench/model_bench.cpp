@@ -1,6 +1,6 @@
 // Models on a 1024x768 target with a depth buffer: six textured spheres of 4,900 faces each, built
 // through the construction road with a sphere mapping, turning a step every frame so that nothing
-// is kept from one draw to the next. Faces cover about 30 pixels each on the screen. Drawn lit by
+// is kept from one draw to the next. Drawn faces cover about 40 pixels each. Drawn lit by
 // the sun; then with four point lights; then with fog and shade as well. llvmpipe (one thread)
 // draws the same triangles in the same run: the projected corners, the final corner colours and
 // the texture of the sun-lit frame, only the faces that our face tests accept.
@@ -86,11 +86,11 @@ struct spherearrays {
     }
 };
 
-// Copy k of the spheres at frame `step`: turned about y by the step and about x by the copy, a
-// third of its size, on a grid of three by two about 600 units ahead.
+// Copy k of the spheres at frame `step`: turned about y by the step and about x by the copy, scaled
+// to 0.3, on a grid of three by two about 600 units ahead.
 void placement(int step, int k, float* m) {
     const float a = float(step) * 6.2831853f / steps + float(k), tilt = 0.3f + 0.2f * float(k);
-    const float ca = std::cos(a), sa = std::sin(a), ct = std::cos(tilt), st = std::sin(tilt), s = 1.0f / 3.0f;
+    const float ca = std::cos(a), sa = std::sin(a), ct = std::cos(tilt), st = std::sin(tilt), s = 0.3f;
     const float rows[16] = {ca * s,  -sa * st * s, -sa * ct * s, 0, 0, ct * s, -st * s, 0,
                             sa * s,  ca * st * s,  ca * ct * s,  0, (float(k % 3) - 1) * 355.0f,
                             (float(k / 3) - 0.5f) * 400.0f, 600.0f, 1};
