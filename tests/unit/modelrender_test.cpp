@@ -1,5 +1,6 @@
 // Model colour against references written from the rules: normals and base colours of the light
-// pass, the sun and point light terms, the colour changes; and no allocation once a model is lit.
+// pass, the sun and point light terms, the colour changes, the mask's narrowing; and no
+// allocation once a model is lit.
 #include <cstdlib>
 #include <new>
 
@@ -100,6 +101,29 @@ TEST_F(modelrender, drawsallocatenothingoncethemodelislit) {
         drawmodel(*m, *workspace, matrix, nullptr);
         EXPECT_TRUE(newcount == before && allocatedbytes == bytes) << draw;
     }
+}
+
+// A mask only narrows: a wider one is refused and the model keeps its own; dropping FM_SHARELIGHT
+// shows the faces that sharing hid, and colours them even though the colours existed.
+TEST_F(modelrender, masksonlynarrowanddroppingsharelightshowshiddenfaces) {
+    randomhostmodel h(rng, texturecount);
+    while (h.types.empty() || h.s.facecount < 10) h = randomhostmodel(rng, texturecount);
+    h.s.functionmask = FM_SHARELIGHT | FM_TINT;
+    std::unique_ptr<model> m = buildmodel(h.s, pool);
+    lightpass(*m);
+    for (int f = 0; f < m->facecount; f += 2) m->facetypes[f] = 2, m->litcolours[f] = {};
+    try {
+        narrowmask(*m, FM_SHARELIGHT | FM_TINT | FM_MOVE_X);
+        ADD_FAILURE() << "a wider mask was taken";
+    } catch (IllegalArgumentException* e) {
+        EXPECT_STREQ(e->message(), "Can't re-enable previously disabled functions");
+        delete e;
+    }
+    EXPECT_EQ(m->functionmask, FM_SHARELIGHT | FM_TINT);
+    EXPECT_EQ(m->facetypes[0], 2);
+    narrowmask(*m, FM_TINT);
+    EXPECT_EQ(m->functionmask, FM_TINT);
+    for (int f = 0; f < m->facecount; f += 2) EXPECT_TRUE(m->facetypes[f] != 2 && m->litcolours[f].corner[0]) << f;
 }
 
 // Tint by its arithmetic, recolour and retexture with the colours they make stale.
