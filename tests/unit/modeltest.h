@@ -65,7 +65,7 @@ struct randomhostmodel {
               viewof(scale[1]), viewof(scale[2]), viewof(rotation), viewof(direction), viewof(shift[0]),
               viewof(shift[1]), viewof(shift[2])},
              viewof(markers), pick(3), pick(3), rng() & (pick(4) ? 0xFFFFF : 0xFFFFF & ~FM_KEEPCOLOURS),
-             rng() & 0x7F, pick(4) ? 64 + pick(128) : 128, 256 + pick(1024), viewof(billboardints)};
+             rng() & 0x7F, pick(4) ? 64 + pick(128) : 128, pick(16) ? 256 + pick(1024) : 0, viewof(billboardints)};
     }
 };
 
