@@ -537,8 +537,9 @@ bool thicklines(fuzzcase& c) {
 // Random models of the host's sizes, textures loaded or declined, each under four random matrices
 // (some not numbers, infinite, huge or singular) with random lights, fog and shade, on every form
 // of target: nothing changes outside the clip or the buffers; a model that passes the cull gives
-// its extent, one that does not leaves the result as it was; and the faces of models without
-// billboards are drawn as the reference of the chosen member draws them, to the bit.
+// its extent, one that does not leaves the result as it was; and the model is drawn as the
+// reference of the chosen member and of the billboards draws it, to the bit, where the sprite
+// reference can follow the billboards.
 bool models(fuzzcase& c) {
     static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(8),
                                                                               destroytexturestore);
@@ -548,8 +549,12 @@ bool models(fuzzcase& c) {
         return filltextures(*store, 8, 6, r), true;
     }();
     clientscene s(c);
+    // The current toolkit, which billboards draw through, draws into the scene's target.
     toolkit& t = s.host.t;
     t.textures = store.get();
+    t.colourbuffer = s.g.t.colourbuffer, t.depthbuffer = s.g.t.depthbuffer;
+    t.width = s.g.t.width, t.height = s.g.t.height;
+    std::copy(s.g.t.cliprect, s.g.t.cliprect + 4, t.cliprect);
     randomscene(t, *store, c);
     memorymanager pool{1 << 12};
     const std::unique_ptr<model> m = buildmodel(randomhostmodel(c, 8).s, pool);
@@ -569,8 +574,8 @@ bool models(fuzzcase& c) {
         const std::vector<float> depths(g.depth.get(), g.depth.get() + n);
         const int member = drawmodel(*m, *w, matrix, result);
         EXPECT_EQ(std::memcmp(result, untouched, sizeof result) != 0, member >= 0) << "draw " << draw;
-        if (member < 0 || m->billboards.length() > 0) continue;
-        // The reference draws the faces again over the target as it was.
+        if (member < 0) continue;
+        // The reference draws the model again over the target as it was.
         const std::vector<uint32_t> drawn(g.colour.get(), g.colour.get() + n);
         const std::vector<float> drawndepths(g.depth.get(), g.depth.get() + n);
         std::copy(colours.begin(), colours.end(), g.colour.get());
@@ -581,6 +586,7 @@ bool models(fuzzcase& c) {
                                        chosen.get<membershade>() == membershade::shade,
                                        chosen.get<memberfog>() == memberfog::fog}))
             << "draw " << draw;
+        if (!modelreference::billboards(*m, t, matrix)) std::copy(drawn.begin(), drawn.end(), g.colour.get());
         EXPECT_TRUE(samepixels(g, drawn)) << "draw " << draw << " member " << member;
         EXPECT_EQ(std::memcmp(drawndepths.data(), g.depth.get(), n * 4), 0) << "draw " << draw;
     }

@@ -10,6 +10,7 @@
 #include "model/lighting.h"
 #include "projectionreference.h"
 #include "rasterreference.h"
+#include "spritereference.h"
 #include "toolkit/tables.h"
 #include "toolkit/texturestore.h"
 #include "util/truncate.h"
@@ -76,9 +77,75 @@ inline void normals(const model& m, std::vector<quad>& normal, std::vector<quad>
         if (n.w != 0) n = {n.x * (1.0f / n.w), n.y * (1.0f / n.w), n.z * (1.0f / n.w), 1.0f};
 }
 
+// Through the camera's space to the screen: divided by w, moved by a billboard's offset, then
+// projected; (x, y, z, z).
+inline std::array<float, 4> throughview(const float* v, const billboardstate& s, const toolkit& t) {
+    float eye[4], out[4];
+    for (int j = 0; j < 4; ++j) eye[j] = j == 2 && std::signbit(v[2]) ? -std::fabs(v[j] / v[3]) : v[j] / v[3];
+    eye[0] = eye[0] + s.offsetx, eye[1] = eye[1] + s.offsety;
+    referenceproject(eye, t.projectionmatrix, out);
+    return {out[0], out[1], out[2], out[2]};
+}
+
+// The billboards of `m` as scaled sprites at their faces' centroids; false when one lands so far
+// off or so large that the sprite reference can't follow it.
+inline bool billboards(const model& m, const toolkit& t, const float* M) {
+    using rasterreference::round, rasterreference::saturate16;
+    float mv[16];
+    for (int i = 0; i < 4; ++i) referencetransform(M + 4 * i, t.viewmatrix, mv + 4 * i);
+    bool known = true;
+    for (int i = 0; i < m.billboards.length(); ++i) {
+        const billboard& b = m.billboards[i];
+        const billboardstate& s = m.billboardstates[i];
+        const quad &pa = m.vertices[m.facea[b.face]], &pb = m.vertices[m.faceb[b.face]], &pc = m.vertices[m.facec[b.face]];
+        const float c[4] = {(pa.x + pb.x + pc.x) * 0.33333334f, (pa.y + pb.y + pc.y) * 0.33333334f,
+                            (pa.z + pb.z + pc.z) * 0.33333334f, 1};
+        float eye[4], world[4];
+        referencetransform(c, mv, eye), referencetransform(c, M, world);
+        const std::array<float, 4> S = throughview(eye, s, t);
+        bool off = !(saturate16(round(S[2] * 32767.0f)) > rasterstate.screenbounds[3]);
+        for (int k = 0; k < 3; ++k) {
+            const int16_t v = saturate16(round(k < 2 ? S[k] : S[k] * 32767.0f));
+            off |= v > rasterstate.screenbounds[k] || v < 0;
+        }
+        if (off) continue;
+        int size[2];
+        for (int axis = 0; axis < 2; ++axis) {
+            const float reach = axis ? b.height : b.width, *v = t.viewmatrix;
+            const float q[4] = {world[0] + reach * v[axis], world[1] + reach * v[4 + axis], world[2] + reach * v[8 + axis],
+                                world[3] + reach * 0.0f};
+            float qeye[4];
+            referencetransform(q, v, qeye);
+            const int d = round(throughview(qeye, s, t)[size_t(axis)] - S[size_t(axis)]);
+            size[axis] = d < 0 ? int(0u - unsigned(d)) : d;
+        }
+        const texturerecord* r = S[2] > 1.0f ? nullptr : gettexture(b.texture);
+        if (!r) continue;
+        const int w = rasterreference::trunc(float(size[0]) * s.scalex * 2.0f);
+        const int h = rasterreference::trunc(float(size[1]) * s.scaley * 2.0f);
+        const int x = round(S[0]) - w / 2, y = round(S[1]) - h / 2;
+        uint32_t colour = s.colour;
+        if (t.fogdistance > 0 && S[2] > rasterstate.fogstart) {
+            const float start = rasterstate.fogstart;
+            const uint32_t weight = uint8_t(rasterreference::trunc((S[2] - start) * 255.0f / (1.0f - start)));
+            colour &= 0xFF000000u;
+            for (int ch = 0; ch < 3; ++ch)
+                colour |= (((rasterreference::byte(uint32_t(t.fogcolour), ch) * weight) >> 8) +
+                           ((rasterreference::byte(s.colour, ch) * (255 - weight)) >> 8)) << (8 * ch);
+        }
+        known &= std::abs(x) < 1000 && std::abs(y) < 1000 && w >= 0 && h >= 0 && w < 1000 && h < 1000;
+        if (!t.colourbuffer || b.tintmode > 4 || b.blendmode > 2) continue;
+        const int pads[4] = {};
+        spritereference::scaled({t.colourbuffer, t.depthbuffer, t.width, {t.cliprect[0], t.cliprect[1], t.cliprect[2], t.cliprect[3]}},
+                                r->pixels, texturesize, texturesize, atlaspitch, pads, x, y, w, h, b.tintmode, colour,
+                                b.blendmode, S[2]);
+    }
+    return known;
+}
+
 // The faces of `m` under model matrix `M` as the member of the current lights, fog, shade and
-// target draws them, in one pass or, with `twopasses`, opaque faces then translucent ones; the
-// billboards are left out. Gives the member's light, shade and fog axes.
+// target draws them, in one pass or, with `twopasses`, opaque faces then translucent ones. Gives
+// the member's light, shade and fog axes.
 inline std::array<bool, 3> draw(const model& m, const toolkit& t, const float* M, bool twopasses) {
     using rasterreference::byte, rasterreference::maxss, rasterreference::minss;
     const rasterstatedata& r = rasterstate;
