@@ -537,9 +537,9 @@ bool thicklines(fuzzcase& c) {
 // Random models of the host's sizes, textures loaded or declined, each under four random matrices
 // (some not numbers, infinite, huge or singular) with random lights, fog and shade, on every form
 // of target: nothing changes outside the clip or the buffers; a model that passes the cull gives
-// its extent, one that does not leaves the result as it was; and the model is drawn as the
-// reference of the chosen member and of the billboards draws it, to the bit, where the sprite
-// reference can follow the billboards.
+// its extent and is counted, one that does not leaves the result and the count as they were; and
+// the model is drawn as the references of the chosen member and of the billboards draw it, to the
+// bit, where the sprite reference can follow the billboards.
 bool models(fuzzcase& c) {
     static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(8),
                                                                               destroytexturestore);
@@ -572,8 +572,9 @@ bool models(fuzzcase& c) {
         const bool twopasses = m->hastranslucency;
         const std::vector<uint32_t> colours(g.colour.get(), g.colour.get() + n);
         const std::vector<float> depths(g.depth.get(), g.depth.get() + n);
-        const int member = drawmodel(*m, *w, matrix, result);
+        const int counted = modelcount, member = drawmodel(*m, *w, matrix, result);
         EXPECT_EQ(std::memcmp(result, untouched, sizeof result) != 0, member >= 0) << "draw " << draw;
+        EXPECT_EQ(modelcount - counted, member >= 0) << "draw " << draw;
         if (member < 0) continue;
         // The reference draws the model again over the target as it was.
         const std::vector<uint32_t> drawn(g.colour.get(), g.colour.get() + n);
