@@ -1,6 +1,6 @@
 // Animation steps against the rules over random models, groups, masks and frames: the pivot, the
 // moves of selected vertices in each entry's order, normals and their refusal after the vertices
-// moved, alphas and colours of faces, the folded frame, and the host's matrix on masked vertices.
+// moved, alphas and colours of faces, and the folded frame.
 #include "model/animation.h"
 #include "motiontest.h"
 
@@ -22,16 +22,13 @@ std::vector<int> selected(const grouptable& t, int count, const allocatedmemory<
 
 using m3 = std::array<std::array<float, 3>, 3>;
 std::array<float, 3> times(const m3& a, const float* v) {
-    std::array<float, 3> out;
-    for (int r = 0; r < 3; ++r) out[r] = a[r][0] * v[0] + a[r][1] * v[1] + a[r][2] * v[2];
-    return out;
+    return {a[0][0] * v[0] + a[0][1] * v[1] + a[0][2] * v[2], a[1][0] * v[0] + a[1][1] * v[1] + a[1][2] * v[2],
+            a[2][0] * v[0] + a[2][1] * v[1] + a[2][2] * v[2]};
 }
 m3 times(const m3& a, const m3& b) {
     m3 out;
-    for (int c = 0; c < 3; ++c) {
-        const float column[3] = {b[0][c], b[1][c], b[2][c]};
-        for (int r = 0; const float e : times(a, column)) out[r++][c] = e;
-    }
+    for (int c = 0; c < 3; ++c)
+        for (int r = 0; const float e : times(a, std::array{b[0][c], b[1][c], b[2][c]}.data())) out[r++][c] = e;
     return out;
 }
 
@@ -126,28 +123,6 @@ TEST_F(animation, everystepfollowstherules) {
         EXPECT_TRUE(samebits(alphas, m->facealphas) && samebits(codes, m->fhsl));
         EXPECT_TRUE(!std::memcmp(o, m->animorigin, sizeof o) && (m->originfresh != 0) == fresh);
         EXPECT_EQ(m->colourdirty != 0, dirty);
-    }
-}
-
-// The host's matrix on the used vertices that its select mask meets, either way round.
-TEST_F(animation, matrixonmaskedverticesfollowstherules) {
-    for (int round = 0; round < 200 && !HasFailure(); ++round) {
-        std::unique_ptr<model> m = randommodel(0xFFFFF);
-        pool.allocate(m->vertexmasks, m->vertexcount);
-        for (int i = 0; i < m->vertexcount; ++i) m->vertexmasks[i] = uint16_t(rng() % 4);
-        float a[16];
-        for (float& e : a) e = float(int(rng() % 2001) - 1000) / 256.0f;
-        const uint32_t select = rng() % 4;
-        std::vector<quad> v = contents(m->vertices);
-        for (int i = 0; i < m->usedvertexcount; ++i) {
-            const quad p = v[i];
-            const float d[3] = {p.x - a[12], p.y - a[13], p.z - a[14]};
-            for (int r = 0; r < 4 && (select & m->vertexmasks[i]); ++r)
-                (&v[i].x)[r] = round % 2 ? d[0] * a[4 * r] + d[1] * a[4 * r + 1] + d[2] * a[4 * r + 2]
-                                         : (a[12 + r] + p.y * a[4 + r]) + (p.z * a[8 + r] + p.x * a[r]);
-        }
-        applymatrix(*m, a, select, round % 2);
-        EXPECT_TRUE(samebits(v, m->vertices)) << round;
     }
 }
 

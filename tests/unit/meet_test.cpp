@@ -6,6 +6,7 @@
 #include "model/picking.h"
 #include "model/shadow.h"
 #include "model/sharelight.h"
+#include "raster/cornerorder.h"
 #include "motiontest.h"
 #include "rasterreference.h"
 #include "toolkit/projection.h"
@@ -81,25 +82,23 @@ TEST_F(meet, hitsfollowtherules) {
         for (int c = 0; c < 8; ++c)
             if (auto s = screen(c & 1 ? m->maxx : m->minx, c & 2 ? m->maxy : m->miny, c & 4 ? m->maxz : m->minz); s[2] >= 0)
                 l = std::min(l, s[0]), r = std::max(r, s[0]), top = std::min(top, s[1]), bottom = std::max(bottom, s[1]);
+        auto within = [](float v, float a, float b, float c) { return v >= std::min({a, b, c}) && v <= std::max({a, b, c}); };
         bool face = false;
         for (int f = 0; f < m->facecount; ++f) {
             const auto a = corner(m->facea[f]), b = corner(m->faceb[f]), c = corner(m->facec[f]);
-            face = face || (a[2] >= 0 && b[2] >= 0 && y >= std::min({a[1], b[1], c[1]}) &&
-                            y <= std::max({a[1], b[1], c[1]}) && x >= std::min({a[0], b[0], c[0]}) &&
-                            x <= std::max({a[0], b[0], c[0]}));
+            face = face || (a[2] >= 0 && b[2] >= 0 && within(y, a[1], b[1], c[1]) && within(x, a[0], b[0], c[0]));
         }
         const bool hit = m->facecount && l < x && x < r && top < y && y < bottom && (boxonly || face);
         EXPECT_EQ(hittest(*m, *w, matrix, x, y, boxonly), hit) << round;
     }
 }
 
-// Corners sorted by the comparison chain, edges stepped by the approximate reciprocal of each
+// Corners sorted by the one chain of comparisons, edges stepped by the approximate reciprocal of each
 // height from the top corner, rows clipped above and below, cells set from the truncated left edge.
 void fillreference(std::vector<uint8_t>& cells, int pitch, const int c[3][2]) {
     using namespace rasterreference;
-    const int orders[6][3] = {{0, 1, 2}, {0, 2, 1}, {2, 0, 1}, {1, 0, 2}, {1, 2, 0}, {2, 1, 0}};
-    const int y0 = c[0][1], y1 = c[1][1], y2 = c[2][1];
-    const int* o = orders[y1 > y0 ? (y2 > y1 ? 0 : y2 > y0 ? 1 : 2) : (y2 > y0 ? 3 : y2 > y1 ? 4 : 5)];
+    int o[3];
+    cornerorder(c[0][1], c[1][1], c[2][1], o);
     const float x[3] = {float(c[o[0]][0]), float(c[o[1]][0]), float(c[o[2]][0])};
     const int row[3] = {c[o[0]][1], c[o[1]][1], c[o[2]][1]};
     auto step = [&](int a, int b) { return (x[b] - x[a]) * rcp(maxss(float(row[b] - row[a]), std::bit_cast<float>(0x358637BDu))); };
@@ -141,8 +140,8 @@ TEST_F(meet, shadowoutlinesfollowtherules) {
         const int z0 = cell(m->minz, t.shadowslopez > 0 ? m->maxy : m->miny, t.shadowslopez);
         const int z1 = cell(m->maxz, t.shadowslopez > 0 ? m->miny : m->maxy, t.shadowslopez);
         ASSERT_EQ(made == given, given && (x1 - x0 + 1) * (z1 - z0 + 1) <= given->cells.length());
-        EXPECT_TRUE(made->x == x0 && made->y == z0 && made->usedwidth == x1 && made->usedheight == z1);
-        EXPECT_TRUE(made->width == x1 - x0 && made->height == z1 - z0);
+        EXPECT_TRUE(made->x == x0 && made->y == z0 && made->usedwidth == x1 && made->usedheight == z1 &&
+                    made->width == x1 - x0 && made->height == z1 - z0);
         std::vector<uint8_t> expected(size_t(made->cells.length()));
         std::vector<int> X, Z;
         for (int i = 0; i < m->usedvertexcount; ++i) {
@@ -151,9 +150,9 @@ TEST_F(meet, shadowoutlinesfollowtherules) {
         }
         for (int f = 0; f < m->facecount; ++f) {
             const int a = m->facea[f], b = m->faceb[f], c = m->facec[f];
-            const bool hidden = (!m->facealphas.empty() && m->facealphas[f] == 255) || (!m->facetypes.empty() && m->facetypes[f] == 2);
+            const bool shown = (m->facealphas.empty() || m->facealphas[f] != 255) && (m->facetypes.empty() || m->facetypes[f] != 2);
             const int corners[3][2] = {{X[a], Z[a]}, {X[b], Z[b]}, {X[c], Z[c]}};
-            if (!hidden && (Z[b] - Z[c]) * (X[a] - X[b]) - (Z[b] - Z[a]) * (X[c] - X[b]) > 0)
+            if (shown && (Z[b] - Z[c]) * (X[a] - X[b]) - (Z[b] - Z[a]) * (X[c] - X[b]) > 0)
                 fillreference(expected, made->width, corners);
         }
         EXPECT_TRUE(samebits(expected, made->cells));
