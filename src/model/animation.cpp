@@ -18,7 +18,7 @@ namespace {
 // step; `masks`, if the step is masked and the model has them, filter the items. Tells whether a
 // listed group passed the id test.
 template <class F>
-bool foreachselected(const animationselection& s, const grouptable& table, int count,
+[[gnu::flatten]] bool foreachselected(const animationselection& s, const grouptable& table, int count,
                      const allocatedmemory<uint16_t>* masks, F&& each) {
     if (s.whole) {
         for (int i = 0; i < count; ++i) each(i);
@@ -32,10 +32,13 @@ bool foreachselected(const animationselection& s, const grouptable& table, int c
         if (id >= groupcount) continue;
         passed = true;
         const grouprange r = table.index[id];
-        for (int k = 0; k < r.count; ++k) {
-            const int item = table.members[r.start + k];
-            if (filter && !(s.select & (*masks)[item])) continue;
-            each(item);
+        const uint16_t* members = table.members.get() + r.start;
+        // Two loops, so that the common one without masks tests nothing per item.
+        if (filter) {
+            for (int k = 0; k < r.count; ++k)
+                if (s.select & (*masks)[members[k]]) each(members[k]);
+        } else {
+            for (int k = 0; k < r.count; ++k) each(members[k]);
         }
     }
     return passed;
@@ -190,13 +193,13 @@ void transformselected(model& m, const animationselection& s, const float mat[3]
     const __m128 c1 = _mm_setr_ps(mat[0][1], mat[1][1], mat[2][1], 0.0f);
     const __m128 c2 = _mm_setr_ps(mat[0][2], mat[1][2], mat[2][2], 0.0f);
     const __m128 add = _mm_setr_ps(t[0], t[1], t[2], 0.0f);
-    const __m128 keep = _mm_castsi128_ps(_mm_setr_epi32(0, 0, 0, -1));
     quad* v = m.vertices.get();
     foreachvertex(m, s, [&](int i) {
         const __m128 p = _mm_load_ps(&v[i].x);
         __m128 r = _mm_add_ps(_mm_mul_ps(_mm_shuffle_ps(p, p, 0x00), c0), _mm_mul_ps(_mm_shuffle_ps(p, p, 0x55), c1));
         r = _mm_add_ps(_mm_add_ps(r, _mm_mul_ps(_mm_shuffle_ps(p, p, 0xAA), c2)), add);
-        _mm_store_ps(&v[i].x, _mm_or_ps(_mm_andnot_ps(keep, r), _mm_and_ps(keep, p)));
+        // x and y of the result, then its z beside the vertex's own fourth float.
+        _mm_store_ps(&v[i].x, _mm_shuffle_ps(r, _mm_unpackhi_ps(r, p), _MM_SHUFFLE(3, 0, 1, 0)));
     });
 }
 
