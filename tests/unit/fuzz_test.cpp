@@ -536,7 +536,8 @@ bool thicklines(fuzzcase& c) {
 
 // Random models of the host's sizes, textures loaded or declined, each under four random matrices
 // (some not numbers, infinite, huge or singular) with random lights, fog and shade, on every form
-// of target: nothing changes outside the clip or the buffers; a model that passes the cull gives
+// of target: nothing changes outside the clip or the buffers; the model is culled as its capsule
+// lies outside the view; a model that passes the cull gives
 // its extent and is counted, one that does not leaves the result and the count as they were; and
 // the model is drawn as the references of the chosen member and of the billboards draw it, to the
 // bit, where the sprite reference can follow the billboards, asking for the same textures in the
@@ -578,6 +579,9 @@ bool models(fuzzcase& c) {
         const std::vector<int> asks(s.host.loads.begin() + long(asked), s.host.loads.end());
         EXPECT_EQ(std::memcmp(result, untouched, sizeof result) != 0, member >= 0) << "draw " << draw;
         EXPECT_EQ(modelcount - counted, member >= 0) << "draw " << draw;
+        EXPECT_EQ(member < 0, !m->facecount || (!rasterstate.targetcolour && !rasterstate.targetdepth) ||
+                                  modelreference::culled(*m, t, matrix))
+            << "draw " << draw;
         if (member < 0) continue;
         // The reference draws the model again over the target as it was.
         const std::vector<uint32_t> drawn(g.colour.get(), g.colour.get() + n);

@@ -143,6 +143,20 @@ inline bool billboards(const model& m, const toolkit& t, const float* M) {
     return known;
 }
 
+// Whether the model under `M` is culled: its axis's ends both farther than its radius outside one
+// of the view's planes.
+inline bool culled(const model& m, const toolkit& t, const float* M) {
+    const float lowaxis[4] = {0, float(m.miny), 0, 1}, highaxis[4] = {0, float(m.maxy), 0, 1};
+    float low[4], high[4];
+    referencetransform(lowaxis, M, low), referencetransform(highaxis, M, high);
+    const auto distance = [](const float* plane, const float* p) {
+        return plane[0] * p[0] + plane[1] * p[1] + plane[2] * p[2] + plane[3] * p[3];
+    };
+    for (const float* plane : t.frustumplanes)
+        if (distance(plane, low) < -float(m.radius) && distance(plane, high) < -float(m.radius)) return true;
+    return false;
+}
+
 // The faces of `m` under model matrix `M` as the member of the current lights, fog, shade and
 // target draws them, in one pass or, with `twopasses`, opaque faces then translucent ones. Gives
 // the member's light, shade and fog axes.
