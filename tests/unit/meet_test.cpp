@@ -23,7 +23,7 @@ protected:
 
 TEST_F(meet, touchingverticessumeachothersnormals) {
     for (int round = 0; round < 150 && !HasFailure(); ++round) {
-        randomhostmodel h = randomhost();
+        randomhostmodel h(rng, texturecount);
         h.s.functionmask = rng() % 8 ? 0xFFFFF : 0xEFFFF;
         std::unique_ptr<model> a = buildmodel(h.s, pool);
         const float off[3] = {float(rng() % 9) - 4, float(rng() % 9) - 4, float(rng() % 9) - 4};

@@ -44,16 +44,9 @@ inline void turnedby(int axis, quad& p, int angle) {
 
 class motiontest : public modeltest {
 protected:
-    // Host arrays the host keeps right: a billboard reads the face type at its own index.
-    randomhostmodel randomhost() {
-        randomhostmodel h(rng, texturecount);
-        while (!h.types.empty() && h.billboardints.size() / 8 > h.types.size()) h = randomhostmodel(rng, texturecount);
-        return h;
-    }
-
     // A random model with `mask`, lit, with its bounds; now and then without normals.
     std::unique_ptr<model> randommodel(uint32_t mask) {
-        randomhostmodel h = randomhost();
+        randomhostmodel h(rng, texturecount);
         h.s.functionmask = mask, h.s.modelflags = rng() & MF_POINTLIT;
         std::unique_ptr<model> m = buildmodel(h.s, pool);
         lightpass(*m);
