@@ -184,7 +184,10 @@ void single(benchmark::State& state) {
 
 void peer(benchmark::State& state) {
     groundview& s = scene();
-    drawbypeer(state, s.faces, peerfill::textured, s.texels.data(), 0);
+    llvmpipe* p = llvmpipe::instance();
+    if (!p) return state.SkipWithError(llvmpipe::failure());
+    p->load(s.faces, peerfill::textured, s.texels.data(), 0);
+    drawloaded(state, *p);
     rates(state, 0, s.faces.count(), s.faces.pixels);
 }
 

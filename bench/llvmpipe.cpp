@@ -1,7 +1,5 @@
 #include "llvmpipe.h"
 
-#include <benchmark/benchmark.h>
-
 #define GL_GLEXT_PROTOTYPES
 #include <GL/osmesa.h>
 #include <GL/gl.h>
@@ -139,18 +137,14 @@ void llvmpipe::cleardepth() {
     glFinish();
 }
 
-void drawbypeer(benchmark::State& state, const trianglework& work, peerfill fill, const uint32_t* texels,
-                int blendweight) {
-    llvmpipe* p = llvmpipe::instance();
-    if (!p) return state.SkipWithError(llvmpipe::failure());
-    p->load(work, fill, texels, blendweight);
-    p->draw();
-    p->finish();
+void drawloaded(benchmark::State& state, llvmpipe& p) {
+    p.draw();
+    p.finish();
     for (auto _ : state) {
         state.PauseTiming();
-        p->cleardepth();
+        p.cleardepth();
         state.ResumeTiming();
-        p->draw();
-        p->finish();
+        p.draw();
+        p.finish();
     }
 }

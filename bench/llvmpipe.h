@@ -3,14 +3,12 @@
 // shaders use AVX2 where the processor has it; the driver reads the processor's abilities once a
 // process, so the SSE2-only peer is a run of its own with GALLIUM_OVERRIDE_CPU_CAPS=sse2.
 #pragma once
+#include <benchmark/benchmark.h>
+
 #include <cstdint>
 #include <vector>
 
 #include "trianglework.h"
-
-namespace benchmark {
-class State;
-}
 
 enum class peerfill { gouraud, textured, blended };
 
@@ -37,8 +35,6 @@ private:
     unsigned framebuffer = 0, colour = 0, depth = 0, vertices = 0, texture = 0;
 };
 
-// The peer's run of a benchmark: the triangles loaded and drawn once, so that the fill's shaders
-// are compiled, then drawn once an iteration on a depth buffer cleared untimed; skipped with the
-// reason when there is no peer.
-void drawbypeer(benchmark::State& state, const trianglework& work, peerfill fill, const uint32_t* texels,
-                int blendweight);
+// The loaded triangles drawn once, which compiles the fill's shaders, then once an iteration on a
+// cleared depth buffer; the clear is not timed.
+void drawloaded(benchmark::State& state, llvmpipe& p);

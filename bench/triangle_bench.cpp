@@ -61,13 +61,6 @@ void rates(benchmark::State& state, const trianglework& work, bool pixels) {
     state.counters["triangles"] = Counter(double(state.iterations()) * work.count(), Counter::kIsRate);
 }
 
-// The library's floating-point mode, which every export sets around its work.
-struct libraryfloats {
-    unsigned saved = _mm_getcsr();
-    libraryfloats() { _mm_setcsr(librarymxcsr); }
-    ~libraryfloats() { _mm_setcsr(saved); }
-};
-
 enum class cut { none, allrows, allcolumns };
 
 void ours(benchmark::State& state, const workload* w, cut c) {
@@ -93,8 +86,14 @@ void ours(benchmark::State& state, const workload* w, cut c) {
 }
 
 void peer(benchmark::State& state, const workload* w) {
+    llvmpipe* p = llvmpipe::instance();
+    if (!p) {
+        state.SkipWithError(llvmpipe::failure());
+        return;
+    }
     const trianglework& work = triangles(w);
-    drawbypeer(state, work, w->fill, texture().data(), blendweight);
+    p->load(work, w->fill, texture().data(), blendweight);
+    drawloaded(state, *p);
     rates(state, work, true);
 }
 

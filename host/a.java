@@ -28,4 +28,8 @@ public class a {
     public native void v(long peer, long ground, int x, int z);
     public native void i(long peer, long ground, int ox, int oy, int scale, int x0, int z0, int x1, int z1,
                          byte[][] visible);
+    // Shared light of two models, b at (x, y, z) from a; hit test of a screen point; marker positions.
+    public native void P(long peer, long a, long b, int x, int y, int z, int unused);
+    public native boolean ya(long peer, long model, int x, int y, float[] matrix, boolean boxonly);
+    public native void J(long peer, long model, int[] out, float[] matrix);
 }

@@ -1,6 +1,8 @@
 // Grounds for tests: the model tests' toolkit and textures with a sun and a pool, seeded random
 // grounds and host tiles.
 #pragma once
+#include <cmath>
+
 #include "ground/upload.h"
 #include "modeltest.h"
 #include "toolkit/light.h"
