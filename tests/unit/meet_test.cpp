@@ -1,6 +1,5 @@
-// Models that meet: shared light against its sums of touching vertices, hit tests against the
-// projected box and the faces' screen rectangles, and shadow outlines against the projected box,
-// the faces that count and the cells of each triangle fill, over random models.
+// Models that meet, over random models: shared light against the sums of touching vertices, hit tests
+// against the projected box and faces' screen rectangles, shadow outlines against the cells of each fill.
 #include <bit>
 
 #include "model/picking.h"
