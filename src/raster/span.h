@@ -201,6 +201,11 @@ struct spanframe {
         __m128 uv = rules::textured ? _mm_load_ps(s->uv) : _mm_setzero_ps();
         const __m128 uvstep = rules::textured ? _mm_load_ps(s->uvstep) : _mm_setzero_ps();
         int y = s->y;
+        // The first pixel of the current row in each buffer; the clip's left end is tested once a
+        // row, since a row rarely starts left of it.
+        uint32_t* colourrow = rules::colour ? colourbase + y * stride : nullptr;
+        float* depthrow = rules::test ? depthbase + y * stride : nullptr;
+        const int left = std::max(viewx, clipx);
 
         for (int row = 0; row < s->rows; ++row, ++y) {
             // Both ends by the current rounding; the right end is exclusive. The reciprocal is of the
@@ -211,24 +216,31 @@ struct spanframe {
             const float inv = spanlanes::reciprocal(static_cast<float>(static_cast<int>(unsigned(xr) - unsigned(xl))));
             xr = std::min(xr, right);
             float skip = 0.0f;
-            if (xl < viewx) {
-                skip = static_cast<float>(viewx) - static_cast<float>(xl);
-                xl = viewx;
+            if (__builtin_expect(xl < left, 0)) {
+                if (xl < viewx) {
+                    skip = static_cast<float>(viewx) - static_cast<float>(xl);
+                    xl = viewx;
+                }
+                if (xl < clipx) {
+                    skip += static_cast<float>(clipx) - static_cast<float>(xl);
+                    xl = clipx;
+                }
             }
-            if (xl < clipx) {
-                skip += static_cast<float>(clipx) - static_cast<float>(xl);
-                xl = clipx;
-            }
-            if (static_cast<long long>(xr) - xl > 0) {
+            if ((rules::colour || rules::test) && static_cast<long long>(xr) - xl > 0) {
                 const int n = xr - xl;
-                const long offset = y * stride + xl;
-                // Both buffers have the same alignment; the walk that stores nothing has neither.
-                const uintptr_t address = rules::colour ? reinterpret_cast<uintptr_t>(colourbase + offset)
-                                          : rules::test ? reinterpret_cast<uintptr_t>(depthbase + offset)
-                                                        : 0;
-                const int h = static_cast<int>((0 - (address >> 2)) & 3);  // pixels up to the next group
-                const int b = h ? 4 - h : 0;                               // lane of the first pixel
+                uint32_t* p = rules::colour ? colourrow + xl : nullptr;
+                float* q = rules::test ? depthrow + xl : nullptr;
+                // The next row lies about here; its lines load while this row is drawn.
+                if constexpr (rules::colour) _mm_prefetch(reinterpret_cast<const char*>(p + stride), _MM_HINT_T0);
+                if constexpr (rules::test) _mm_prefetch(reinterpret_cast<const char*>(q + stride), _MM_HINT_T0);
+                // Both buffers have the same alignment, so one address gives the lane of the first
+                // pixel in its group.
+                const int b = static_cast<int>(
+                    (reinterpret_cast<uintptr_t>(rules::colour ? static_cast<void*>(p) : static_cast<void*>(q)) >> 2) & 3);
+                const int h = (4 - b) & 3;  // pixels up to the next group
                 const int hc = std::min(h, n), m = (n - hc) >> 2, t = n - 4 * m - hc;
+                if constexpr (rules::colour) p -= b;
+                if constexpr (rules::test) q -= b;
 
                 spangroup<M> g;
                 const float zl = _mm_cvtss_f32(_mm_shuffle_ps(edge, edge, 1));
@@ -251,22 +263,22 @@ struct spanframe {
                     g.pairstep4 = _mm_mul_ps(_mm_set1_ps(4.0f), d);
                 }
 
-                uint32_t* pg = rules::colour ? colourbase + (offset - b) : nullptr;
-                float* qg = rules::test ? depthbase + (offset - b) : nullptr;
                 if (h) {
-                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(b + hc), spanlanes::lanesfrom(b)),
+                    group<false>(g, p, q, _mm_andnot_si128(spanlanes::lanesfrom(b + hc), spanlanes::lanesfrom(b)),
                                  texels, blendfactor);
                     g.advance();
-                    next(pg, qg);
+                    next(p, q);
                 }
-                for (int i = 0; i < m; ++i, next(pg, qg)) {
-                    group<true>(g, pg, qg, _mm_set1_epi32(-1), texels, blendfactor);
+                for (int i = 0; i < m; ++i, next(p, q)) {
+                    group<true>(g, p, q, _mm_set1_epi32(-1), texels, blendfactor);
                     g.advance();
                 }
                 if (t)
-                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), texels,
+                    group<false>(g, p, q, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), texels,
                                  blendfactor);
             }
+            if constexpr (rules::colour) colourrow += stride;
+            if constexpr (rules::test) depthrow += stride;
             edge = _mm_add_ps(edge, edgestep);
             if constexpr (rules::colour) modulate = _mm_add_epi16(modulate, modulatestep);
             if constexpr (rules::add) addcolour = _mm_add_epi16(addcolour, addcolourstep);
