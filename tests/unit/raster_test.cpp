@@ -65,14 +65,15 @@ TEST_F(raster, everymembermatchesthereference) {
     testrng rng(7);
     for (int i = 0; i < 128 * 256; ++i)
         texels[i] = rng() % 2 ? rng.pixel() : anyof(rng, {0, 0xFF000000u, 0x00FFFFFF});
-    for (const trianglemember& m : trianglemembers)
-        for (int c = 0; c < 200; ++c) {
+    for (lanewidth lanes : runnablewidths())
+        for (const trianglemember& m : trianglemembers)
+            for (int c = 0; c < 200; ++c) {
             testrng rng(static_cast<uint64_t>(c) * 1000 + indexof(trianglemembers, m));
             const rastertriangle t = scene(rng, colour, depths, texels.get());
             const float *a = t.position[0], *b = t.position[1], *d = t.position[2];
             ASSERT_EQ(accepttriangle(a, b, d), rasterreference::accept(a, b, d)) << "case " << c;
             rasterstate.targetcolour = colour[0].get(), rasterstate.targetdepth = depths[0].get();
-            trianglefor(m)(&t);
+            trianglefor(m, lanes)(&t);
             rasterstate.targetcolour = colour[1].get(), rasterstate.targetdepth = depths[1].get();
             rasterreference::triangle(m, t);
             ASSERT_TRUE(colour[0].intact() && depths[0].intact()) << m.name() << ", case " << c;
