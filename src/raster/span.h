@@ -19,18 +19,25 @@ namespace spanlanes {
 
 [[gnu::always_inline]] inline float reciprocal(float x) { return _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(x))); }
 
-// Lanes `from` and above of a group, for `from` 0 to 4.
-[[gnu::always_inline]] inline __m128i lanesfrom(int from) {
-    alignas(16) static constexpr int32_t above[8] = {0, 0, 0, 0, -1, -1, -1, -1};
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(above + 4 - from));
+// Lanes `from` up to `to` of a group (0 <= from <= to <= 4), by one load.
+[[gnu::always_inline]] inline __m128i lanesbetween(int from, int to) {
+    alignas(64) static constexpr int32_t masks[5][5][4] = {
+        {{0, 0, 0, 0}, {-1, 0, 0, 0}, {-1, -1, 0, 0}, {-1, -1, -1, 0}, {-1, -1, -1, -1}},
+        {{}, {0, 0, 0, 0}, {0, -1, 0, 0}, {0, -1, -1, 0}, {0, -1, -1, -1}},
+        {{}, {}, {0, 0, 0, 0}, {0, 0, -1, 0}, {0, 0, -1, -1}},
+        {{}, {}, {}, {0, 0, 0, 0}, {0, 0, 0, -1}},
+        {{}, {}, {}, {}, {0, 0, 0, 0}}};
+    return _mm_load_si128(reinterpret_cast<const __m128i*>(masks[from][to]));
 }
 
 // z0 - b * dz in extended precision, rounded once to a float. b * dz is exact in a double, and
 // so is the difference unless b * dz is more than 2^27 times z0; a difference too small to reach
 // z0's last bit leaves z0 in both precisions. The rest goes through the extended type.
+// The test is made on floats, on dz against 2^25 times z0 (b is at most 3), which sends a few
+// more rows than need it the extended way.
 [[gnu::always_inline]] inline float firstz(float z0, float dz, int b) {
     const double step = static_cast<double>(b) * static_cast<double>(dz);
-    if (__builtin_expect(std::fabs(step) > std::fabs(static_cast<double>(z0)) * 134217728.0, 0))
+    if (__builtin_expect(!(std::fabs(dz) <= std::fabs(z0) * 33554432.0f), 0))
         return static_cast<float>(static_cast<long double>(z0) - static_cast<long double>(step));
     return static_cast<float>(static_cast<double>(z0) - step);
 }
@@ -57,11 +64,15 @@ struct colourgroup {
     [[gnu::always_inline]] colourgroup() = default;
     // Lane j of the first group is the start at lane b, less b steps, plus j steps.
     [[gnu::always_inline]] colourgroup(const colourrow& row, int b) {
-        __m128i back = _mm_set1_epi16(static_cast<short>(b));
+        alignas(64) static constexpr int16_t steps[4][2][8] = {
+            {{0, 0, 0, 0, 1, 1, 1, 1}, {2, 2, 2, 2, 3, 3, 3, 3}},
+            {{-1, -1, -1, -1, 0, 0, 0, 0}, {1, 1, 1, 1, 2, 2, 2, 2}},
+            {{-2, -2, -2, -2, -1, -1, -1, -1}, {0, 0, 0, 0, 1, 1, 1, 1}},
+            {{-3, -3, -3, -3, -2, -2, -2, -2}, {-1, -1, -1, -1, 0, 0, 0, 0}}};
         low = _mm_add_epi16(row.start,
-                            _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(0, 0, 0, 0, 1, 1, 1, 1), back), row.step));
+                            _mm_mullo_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(steps[b][0])), row.step));
         high = _mm_add_epi16(row.start,
-                             _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(2, 2, 2, 2, 3, 3, 3, 3), back), row.step));
+                             _mm_mullo_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(steps[b][1])), row.step));
         step4 = _mm_slli_epi16(row.step, 2);
     }
 };
@@ -306,7 +317,7 @@ struct spanframe {
                     xl = clipx;
                 }
             }
-            if ((rules::colour || rules::test) && static_cast<long long>(xr) - xl > 0) {
+            if ((rules::colour || rules::test) && xr > xl) {
                 const int n = xr - xl;
                 uint32_t* p = rules::colour ? colourrow + xl : nullptr;
                 float* q = rules::test ? depthrow + xl : nullptr;
@@ -351,7 +362,7 @@ struct spanframe {
                 }
 
                 if (h) {
-                    group<false>(g, p, q, _mm_andnot_si128(spanlanes::lanesfrom(b + hc), spanlanes::lanesfrom(b)),
+                    group<false>(g, p, q, spanlanes::lanesbetween(b, b + hc),
                                  texels, blendfactor);
                     advance(g, d);
                     next(p, q, 4);
@@ -375,7 +386,7 @@ struct spanframe {
                     advance(g, d);
                 }
                 if (t)
-                    group<false>(g, p, q, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), texels,
+                    group<false>(g, p, q, spanlanes::lanesbetween(0, t), texels,
                                  blendfactor);
             }
             if constexpr (rules::colour) colourrow += stride;
