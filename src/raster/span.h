@@ -1,7 +1,9 @@
-// The span functions: one template over the axes of a span member. Each row is a head, a body
-// and a tail of four-pixel groups aligned to 16 bytes in the target; every interpolant starts at
-// the row's first group and steps four pixels at a time, and only the depth test and the merge of
-// a partly written group branch inside a row.
+// The span functions: one template over the axes of a span member and the lanes of its row body.
+// Each row is a head, a body and a tail of four-pixel groups aligned to 16 bytes in the target;
+// every interpolant starts at the row's first group and steps four pixels at a time, and only the
+// depth test and the merge of a partly written group branch inside a row. With eight lanes the
+// body goes two groups a pass from a 32-byte boundary of the colour buffer, each group with the
+// values it has at four lanes.
 #pragma once
 #include <emmintrin.h>
 
@@ -31,10 +33,9 @@ namespace spanlanes {
 }
 
 // z0 - b * dz in extended precision, rounded once to a float. b * dz is exact in a double, and
-// so is the difference unless b * dz is more than 2^27 times z0; a difference too small to reach
-// z0's last bit leaves z0 in both precisions. The rest goes through the extended type.
-// The test is made on floats, on dz against 2^25 times z0 (b is at most 3), which sends a few
-// more rows than need it the extended way.
+// so is the difference while dz is at most 2^25 times z0 (b is at most 3); a difference too small
+// to reach z0's last bit leaves z0 in both precisions. Larger steps, infinities and NaN go through
+// the extended type.
 [[gnu::always_inline]] inline float firstz(float z0, float dz, int b) {
     const double step = static_cast<double>(b) * static_cast<double>(dz);
     if (__builtin_expect(!(std::fabs(dz) <= std::fabs(z0) * 33554432.0f), 0))
@@ -297,6 +298,7 @@ struct spanframe {
         uint32_t* colourrow = rules::colour ? colourbase + y * stride : nullptr;
         float* depthrow = rules::test ? depthbase + y * stride : nullptr;
         const int left = std::max(viewx, clipx);
+        const uintptr_t rowbytes = static_cast<uintptr_t>(stride) * 4;
 
         for (int row = 0; row < s->rows; ++row, ++y) {
             // Both ends by the current rounding; the right end is exclusive. The reciprocal is of the
@@ -321,9 +323,13 @@ struct spanframe {
                 const int n = xr - xl;
                 uint32_t* p = rules::colour ? colourrow + xl : nullptr;
                 float* q = rules::test ? depthrow + xl : nullptr;
-                // The next row lies about here; its lines load while this row is drawn.
-                if constexpr (rules::colour) _mm_prefetch(reinterpret_cast<const char*>(p + stride), _MM_HINT_T0);
-                if constexpr (rules::test) _mm_prefetch(reinterpret_cast<const char*>(q + stride), _MM_HINT_T0);
+                // The next row lies about here; its lines load while this row is drawn. The address
+                // is reckoned as a number, as below the last row there is no buffer.
+                auto below = [&](const void* at) {
+                    _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<uintptr_t>(at) + rowbytes), _MM_HINT_T0);
+                };
+                if constexpr (rules::colour) below(p);
+                if constexpr (rules::test) below(q);
                 // Both buffers have the same alignment, so one address gives the lane of the first
                 // pixel in its group.
                 const int b = static_cast<int>(
