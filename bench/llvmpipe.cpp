@@ -136,3 +136,15 @@ void llvmpipe::cleardepth() {
     glDepthMask(writesdepth);
     glFinish();
 }
+
+void drawloaded(benchmark::State& state, llvmpipe& p) {
+    p.draw();
+    p.finish();
+    for (auto _ : state) {
+        state.PauseTiming();
+        p.cleardepth();
+        state.ResumeTiming();
+        p.draw();
+        p.finish();
+    }
+}

@@ -3,6 +3,8 @@
 // shaders use AVX2 where the processor has it; the driver reads the processor's abilities once a
 // process, so the SSE2-only peer is a run of its own with GALLIUM_OVERRIDE_CPU_CAPS=sse2.
 #pragma once
+#include <benchmark/benchmark.h>
+
 #include <cstdint>
 #include <vector>
 
@@ -32,3 +34,7 @@ private:
     bool writesdepth = true;
     unsigned framebuffer = 0, colour = 0, depth = 0, vertices = 0, texture = 0;
 };
+
+// The loaded triangles drawn once, which compiles the fill's shaders, then once an iteration on a
+// cleared depth buffer; the clear is not timed.
+void drawloaded(benchmark::State& state, llvmpipe& p);

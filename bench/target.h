@@ -1,10 +1,13 @@
 // A 1024x768 target with a colour and a depth buffer, both cleared, for the benchmarks; the
 // rasterisers draw into it, over a depth range of 0 to 1.
 #pragma once
+#include <xmmintrin.h>
+
 #include <cstdlib>
 #include <cstring>
 
 #include "toolkit/toolkit.h"
+#include "util/frame.h"
 
 struct benchtarget {
     static constexpr int width = 1024, height = 768;
@@ -28,4 +31,11 @@ struct benchtarget {
     }
     benchtarget(const benchtarget&) = delete;
     benchtarget& operator=(const benchtarget&) = delete;
+};
+
+// The library's floating-point mode, which every export sets around its work.
+struct libraryfloats {
+    unsigned saved = _mm_getcsr();
+    libraryfloats() { _mm_setcsr(librarymxcsr); }
+    ~libraryfloats() { _mm_setcsr(saved); }
 };

@@ -61,13 +61,6 @@ void rates(benchmark::State& state, const trianglework& work, bool pixels) {
     state.counters["triangles"] = Counter(double(state.iterations()) * work.count(), Counter::kIsRate);
 }
 
-// The library's floating-point mode, which every export sets around its work.
-struct libraryfloats {
-    unsigned saved = _mm_getcsr();
-    libraryfloats() { _mm_setcsr(librarymxcsr); }
-    ~libraryfloats() { _mm_setcsr(saved); }
-};
-
 // The triangles as a model face fills them: colours as lane sets, texel coordinates twice.
 std::vector<rastertriangle> records(const trianglework& work) {
     std::vector<rastertriangle> all(work.count());
@@ -120,16 +113,7 @@ void peer(benchmark::State& state, const workload* w) {
     }
     const trianglework& work = triangles(w);
     p->load(work, w->fill, texture().data(), blendweight);
-    // The first draw of a fill compiles its shaders.
-    p->draw();
-    p->finish();
-    for (auto _ : state) {
-        state.PauseTiming();
-        p->cleardepth();
-        state.ResumeTiming();
-        p->draw();
-        p->finish();
-    }
+    drawloaded(state, *p);
     rates(state, work, true);
 }
 

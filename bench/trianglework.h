@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "toolkit/texturestore.h"
+
 // One corner: pixels with y down, z inside the depth range 0 to 1, texel coordinates (a texture is
 // 128 texels across) and a colour 0xAARRGGBB.
 struct benchvertex {
@@ -24,5 +26,5 @@ struct trianglework {
 trianglework maketriangles(int count, float area, int width, int height, uint32_t seed);
 
 // A seeded 128x128 texture in rows of 256 texels, the row pitch of the texture atlas.
-inline constexpr int texturesize = 128, texturepitch = 256;
+inline constexpr int texturepitch = atlaspitch;
 std::vector<uint32_t> maketexture(uint32_t seed);

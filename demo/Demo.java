@@ -15,10 +15,87 @@ public class Demo {
     final ja tk;
     final ba pool = new ba();
 
+    final h torus = new h();
+
     Demo(ja tk) {
         this.tk = tk;
         pool.sa(0, 1 << 20);
         tk.n(pool);
+        // The checkerboard is described before the build, which reads its descriptor.
+        tk.V(3, 0, 0, 0, 0, 0, false, 0, 0, 0, 0, false, false, false, true, true, 0, false, false, 0);
+        buildtorus();
+    }
+
+    // A torus of 24 by 12 quads lying in the xz plane, checkered by a cylinder mapping about y that
+    // runs four times round, with four glows as billboards on faces of their own above it.
+    void buildtorus() {
+        int n = 24, m = 12, quads = n * m, glows = 4;
+        int vertices = quads + 3 * glows, faces = 2 * quads + glows;
+        int[] x = new int[vertices], y = new int[vertices], z = new int[vertices];
+        for (int i = 0; i < n; ++i)
+            for (int j = 0; j < m; ++j) {
+                double a = 2 * Math.PI * i / n, b = 2 * Math.PI * j / m, reach = 40 + 14 * Math.cos(b);
+                x[i * m + j] = (int) Math.round(reach * Math.cos(a));
+                y[i * m + j] = (int) Math.round(14 * Math.sin(b));
+                z[i * m + j] = (int) Math.round(reach * Math.sin(a));
+            }
+        short[] fa = new short[faces], fb = new short[faces], fc = new short[faces], colours = new short[faces];
+        short[] textures = new short[faces];
+        byte[] types = new byte[faces], mappings = new byte[faces];
+        for (int i = 0; i < n; ++i)
+            for (int j = 0; j < m; ++j) {
+                int f = 2 * (i * m + j), p = i * m + j, q = (i + 1) % n * m + j;
+                int pn = i * m + (j + 1) % m, qn = (i + 1) % n * m + (j + 1) % m;
+                int[][] corners = {{p, pn, q}, {q, pn, qn}};
+                for (int k = 0; k < 2; ++k) {
+                    fa[f + k] = (short) corners[k][0];
+                    fb[f + k] = (short) corners[k][1];
+                    fc[f + k] = (short) corners[k][2];
+                    colours[f + k] = (short) ((i * 64 / n) << 10 | 6 << 7 | 80);
+                    textures[f + k] = 3;
+                }
+            }
+        int[] billboards = new int[8 * glows];
+        for (int g = 0; g < glows; ++g) {
+            int f = 2 * quads + g, v = quads + 3 * g;
+            double a = 2 * Math.PI * g / glows + 0.4;
+            for (int k = 0; k < 3; ++k) {
+                x[v + k] = (int) Math.round(40 * Math.cos(a)) + k;
+                y[v + k] = -28 - k;
+                z[v + k] = (int) Math.round(40 * Math.sin(a));
+            }
+            fa[f] = (short) v;
+            fb[f] = (short) (v + 1);
+            fc[f] = (short) (v + 2);
+            colours[f] = (short) ((g * 16) << 10 | 7 << 7 | 100);
+            textures[f] = -1;
+            types[f] = 2;
+            mappings[f] = (byte) 0xFF;
+            int[] record = {f, 24, 24, 1, 0, 1, 0};
+            System.arraycopy(record, 0, billboards, 7 * g, 7);
+        }
+        torus.U(null, pool, vertices, vertices, x, y, z, null, null, faces, fa, fb, fc, types, null, null, mappings,
+                colours, textures, null, (byte) 0, null, 1, new byte[] {1}, new short[] {0}, new short[] {32767},
+                new short[] {0}, new int[] {0}, new int[] {1920}, new int[] {4096}, new byte[] {0}, new byte[] {0},
+                new int[] {0}, new int[] {0}, new int[] {0}, null, 0, 0, 0, 0x10, 100, 700, billboards);
+    }
+
+    // The torus turned by `frame` steps and tipped towards the camera, in a viewport of its own, lit
+    // by the sun and an orange point light, fogged at its far side, its glows in the fog as well.
+    void model(a client, int frame) {
+        camera(245, 445, 190, 140, 170f);
+        tk.m(0xFFFFF0, 0.9f, 0.3f, -0.4f, -0.7f, -0.6f);
+        tk.IA(0.7f);
+        tk.Q(1, new int[] {-70, -30, 100, 90, 0xFFA040}, new float[] {1f});
+        tk.c(0xFF8090B0, 75, 0);
+        double turn = frame * 0.05, tip = -0.6;
+        float c = (float) Math.cos(turn), s = (float) Math.sin(turn);
+        float ct = (float) Math.cos(tip), st = (float) Math.sin(tip);
+        client.wa(client.nativeid, torus.nativeid, new float[] {c, -s * st, -s * ct, 0, 0, ct, -st, 0, s, c * st,
+                  c * ct, 0, 0, 0, 120, 1}, null, 0);
+        tk.c(0, 0, 0);
+        tk.Q(0, new int[0], new float[0]);
+        tk.k();
     }
 
     // A grey-to-colour gradient under rows of the three write modes, and shapes cut by the clip.
@@ -235,15 +312,21 @@ public class Demo {
         }
     }
 
-    // A helix of particles seen in perspective through a viewport of its own: blended discs, glows,
-    // stars and a few checkered squares.
-    void particles(a client) {
+    // A camera at the origin looking down z in perspective, from 1 to `far`, through a viewport of
+    // its own.
+    void camera(int x, int y, int w, int h, float far) {
         tk.GA(0f, 1f);
-        tk.A(0, 590, 420, 125);
-        float near = 1f, far = 200f, f = 1.6f, aspect = 420f / 125f;
+        tk.A(x, y, w, h);
+        float near = 1f, f = 1.6f, aspect = w / (float) h;
         tk.wa(new float[] {f / aspect, 0, 0, 0, 0, f, 0, 0, 0, 0, (far + near) / (far - near), 1, 0, 0,
                            -2 * far * near / (far - near), 0});
         tk.AA(new float[] {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1});
+    }
+
+    // A helix of particles seen in perspective through a viewport of its own: blended discs, glows,
+    // stars and a few checkered squares.
+    void particles(a client) {
+        camera(0, 590, 420, 125, 200f);
         int n = 120;
         int[] positions = new int[3 * n], colours = new int[n], sizes = new int[n];
         short[] textures = new short[n];
@@ -260,7 +343,7 @@ public class Demo {
         tk.k();
     }
 
-    void testcard() {
+    void testcard(int frame) {
         rectangles();
         fa ball = sprite(tk, ball(32), 32);
         wa mask = discmask(40), textmask = discmask(50);
@@ -272,6 +355,7 @@ public class Demo {
         client.ha(0, 0, 0, 0, 0);
         particles(client);
         trianglesandlines(client);
+        model(client, frame);
         client.R(client.nativeid, 0);
         mask.ma(0);
         textmask.ma(0);
@@ -298,7 +382,7 @@ public class Demo {
         canvas.n(null, component, WIDTH, HEIGHT);
         tk.PA(canvas);
         Demo demo = new Demo(tk);
-        demo.testcard();
+        demo.testcard(0);
 
         BufferedImage image = new BufferedImage(WIDTH, HEIGHT, BufferedImage.TYPE_INT_RGB);
         image.setRGB(0, 0, WIDTH, HEIGHT, tk.E(0, 0, WIDTH, HEIGHT), 0, WIDTH);
@@ -316,7 +400,8 @@ public class Demo {
                 }
             });
             long end = System.currentTimeMillis() + seconds * 1000L;
-            while (!closed[0] && System.currentTimeMillis() < end) {
+            for (int turn = 1; !closed[0] && System.currentTimeMillis() < end; ++turn) {
+                demo.testcard(turn);
                 canvas.H(0, 0, WIDTH, HEIGHT);
                 Thread.sleep(50);
             }
@@ -324,6 +409,7 @@ public class Demo {
         }
         tk.PA(null);
         canvas.ma(0);
+        demo.torus.ma(null);
         demo.pool.ma(0);
         tk.ma(0);
     }

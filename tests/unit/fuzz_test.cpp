@@ -1,6 +1,6 @@
-// The fuzz families: random calls of every clipping draw, with positions, sizes, pads and clip
-// rectangles from the ordinary to the extreme, into targets fenced by sentinels and inaccessible
-// pages, from images flush against such pages. Nothing may change outside the clip rectangle,
+// The fuzz families: random calls of every clipping draw and model draw, with positions, sizes,
+// pads, matrices and clip rectangles from the ordinary to the extreme, into targets fenced by
+// sentinels and inaccessible pages, from images flush against such pages. Nothing may change outside the clip rectangle,
 // nothing outside the target or the image may be touched, and wherever the family has a scalar
 // reference every pixel must match it. A new family is one function and one row of `families`.
 #include <gtest/gtest.h>
@@ -17,6 +17,10 @@
 
 #include "fontreference.h"
 #include "fuzz.h"
+#include "model/render.h"
+#include "modelreference.h"
+#include "modeltest.h"
+#include "raster/raster.h"
 #include "shapereference.h"
 #include "sprite/drawscaled.h"
 #include "sprite/drawsprite.h"
@@ -34,7 +38,6 @@
 #include "toolkit/texturestore.h"
 #include "toolkit/thickline.h"
 #include "turnedreference.h"
-#include "raster/raster.h"
 #include "util/frame.h"
 
 namespace {
@@ -573,6 +576,66 @@ bool triangles(fuzzcase& c) {
     return s.check(true);
 }
 
+// Random models of the host's sizes, textures loaded or declined, each under four random matrices
+// (some not numbers, infinite, huge or singular) with random lights, fog and shade, on every form
+// of target: nothing changes outside the clip or the buffers; a model that passes the cull gives
+// its extent and is counted, one that does not leaves the result and the count as they were; and
+// the model is drawn as the references of the chosen member and of the billboards draw it, to the
+// bit, where the sprite reference can follow the billboards.
+bool models(fuzzcase& c) {
+    static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(8),
+                                                                              destroytexturestore);
+    [[maybe_unused]] static const bool made = [] {
+        buildtrigtables(), buildhsltorgb();
+        testrng r(3);
+        return filltextures(*store, 8, 6, r), true;
+    }();
+    clientscene s(c);
+    // The current toolkit, which billboards draw through, draws into the scene's target.
+    toolkit& t = s.host.t;
+    t.textures = store.get();
+    t.colourbuffer = s.g.t.colourbuffer, t.depthbuffer = s.g.t.depthbuffer;
+    t.width = s.g.t.width, t.height = s.g.t.height;
+    std::copy(s.g.t.cliprect, s.g.t.cliprect + 4, t.cliprect);
+    randomscene(t, *store, c);
+    memorymanager pool{1 << 12};
+    const std::unique_ptr<model> m = buildmodel(randomhostmodel(c, 8).s, pool);
+    const std::unique_ptr<renderworkspace, void (*)(renderworkspace*)> w(makeworkspace(t, 0, 0), destroyworkspace);
+    testtarget& g = s.g;
+    const size_t n = size_t(g.pixels());
+    // Mostly far depths, that faces pass, and a depth range that the screen bounds can hold.
+    for (size_t i = 0; i < n; ++i) g.depth[i] = s.depths[i] = c.onein(4) ? s.depths[i] : 2.0f;
+    const int* v = rasterstate.viewport;
+    setviewport(v[0], v[1], v[2], v[3], c.real(-0.5f, 0.5f), c.onein(4) ? c.real(1, 1.5f) : c.real(0.5f, 1));
+    for (int draw = 0; draw < 4 && !::testing::Test::HasFailure(); ++draw) {
+        alignas(16) float matrix[16];
+        randommatrix(matrix, c, true);
+        int result[6] = {}, untouched[6] = {};
+        const bool twopasses = m->hastranslucency;
+        const std::vector<uint32_t> colours(g.colour.get(), g.colour.get() + n);
+        const std::vector<float> depths(g.depth.get(), g.depth.get() + n);
+        const int counted = modelcount, member = drawmodel(*m, *w, matrix, result);
+        EXPECT_EQ(std::memcmp(result, untouched, sizeof result) != 0, member >= 0) << "draw " << draw;
+        EXPECT_EQ(modelcount - counted, member >= 0) << "draw " << draw;
+        if (member < 0) continue;
+        // The reference draws the model again over the target as it was.
+        const std::vector<uint32_t> drawn(g.colour.get(), g.colour.get() + n);
+        const std::vector<float> drawndepths(g.depth.get(), g.depth.get() + n);
+        std::copy(colours.begin(), colours.end(), g.colour.get());
+        std::copy(depths.begin(), depths.end(), g.depth.get());
+        const modelmember chosen = modelmembers[size_t(member)];
+        EXPECT_EQ(modelreference::draw(*m, t, matrix, twopasses),
+                  (std::array<bool, 3>{chosen.get<memberlight>() == memberlight::pointlit,
+                                       chosen.get<membershade>() == membershade::shade,
+                                       chosen.get<memberfog>() == memberfog::fog}))
+            << "draw " << draw;
+        if (!modelreference::billboards(*m, t, matrix)) std::copy(drawn.begin(), drawn.end(), g.colour.get());
+        EXPECT_TRUE(samepixels(g, drawn)) << "draw " << draw << " member " << member;
+        EXPECT_EQ(std::memcmp(drawndepths.data(), g.depth.get(), n * 4), 0) << "draw " << draw;
+    }
+    return s.check(true);
+}
+
 const fuzzfamily families[] = {
     {"shapes", 100000, shapes},
     {"sprites", 60000, sprites},
@@ -581,6 +644,7 @@ const fuzzfamily families[] = {
     {"particles", 10000, particles},
     {"thicklines", 20000, thicklines},
     {"triangles", 100000, triangles},
+    {"models", 4000, models},
 };
 
 class fuzz : public ::testing::TestWithParam<fuzzfamily> {};

@@ -1,16 +1,13 @@
 // Model colour against references written from the rules: normals and base colours of the light
-// pass, the sun and point light terms, the colour changes; draws of every member into fenced
-// targets; and no allocation once a model is lit.
+// pass, the sun and point light terms, the colour changes, the mask's narrowing; and no
+// allocation once a model is lit.
 #include <cstdlib>
 #include <new>
-#include <set>
 
 #include "model/recolour.h"
 #include "model/render.h"
 #include "modelreference.h"
 #include "modeltest.h"
-#include "toolkit/light.h"
-#include "toolkit/view.h"
 
 // Every heap allocation of the test program is counted.
 static int newcount;
@@ -35,34 +32,15 @@ protected:
     alignas(16) float matrix[16];
 
     void TearDown() override { destroyworkspace(workspace), rasterstate = saved, modeltest::TearDown(); }
-    float uniform(float low, float high) { return low + (high - low) * float(rng() % 65536) / 65536.0f; }
-
-    // A camera looking down z at a model about 30 units away, with random light, fog and shade.
+    // The model's scene on a target of random pixels and depths, with and without its buffers.
     void scene(bool withcolour, bool withdepth) {
         t.width = width, t.height = height;
         setviewport(0, 0, width, height, 0.0f, 1.0f);
         setcliprect(t, 0, 0, width, height);
         rasterstate.targetstride = width;
-        alignas(16) float view[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-        alignas(16) float projection[16] = {1.5f, 0, 0, 0, 0, 1.5f, 0, 0, 0, 0, 1.001f, 1, 0, 0, -2.001f, 0};
-        setviewmatrix(t, view);
-        setprojectionmatrix(t, projection);
-        setsun(t, int(rng()), uniform(0, 1), uniform(0, 1), uniform(-1, 1), uniform(-1, 1), uniform(-1, 1));
-        t.lightfactor = uniform(0, 1.2f);
-        int lights[4 * 5];
-        for (int& v : lights) v = int(rng() % 41) - 20;
-        const float intensities[4] = {1, 1, 1, 1};
-        setpointlights(t, int(rng() % 3) * 2, lights, intensities);
-        setfog(t, int(rng()), rng() % 3 ? 1960 + int(rng() % 40) : 0);
-        setshade(t, int(rng() % 41) - 20, int(rng()), 1 + int(rng() % 40));
-        t.fogoverride = rng() % 2;
-        // The loaded textures as a reload may leave them, unlike their descriptors.
-        for (texturerecord& r : store->records) r.value = int(rng() % 3), r.flagfive = rng() % 2;
-        for (int i = 0; i < width * height; ++i) colour[i] = rng.pixel(), depth[i] = uniform(0.9f, 1.0f);
-        // Scaled down about a hundred times, turned any way, and now and then far off to the side.
-        for (int i = 0; i < 12; ++i) matrix[i] = i % 4 == 3 ? 0.0f : uniform(-0.012f, 0.012f);
-        matrix[12] = uniform(-5, 5) + (rng() % 8 ? 0.0f : 10000.0f), matrix[13] = uniform(-5, 5);
-        matrix[14] = uniform(22, 40), matrix[15] = 1.0f;
+        randomscene(t, *store, rng);
+        for (int i = 0; i < width * height; ++i) colour[i] = rng.pixel(), depth[i] = rng.real(0.9f, 1.0f);
+        randommatrix(matrix, rng, false);
         t.colourbuffer = rasterstate.targetcolour = withcolour ? colour.get() : nullptr;
         t.depthbuffer = rasterstate.targetdepth = withdepth ? depth.get() : nullptr;
     }
@@ -94,40 +72,19 @@ TEST_F(modelrender, normalsandthelightpassfollowtherules) {
 TEST_F(modelrender, sunandpointlighttermsfollowtherules) {
     pointlights lights{};
     for (int round = 0; round < 20000 && !HasFailure(); ++round) {
-        for (int k = 0; k < 3; ++k) t.sundirection[k] = uniform(-1, 1), t.suncolour[k] = uint8_t(rng());
-        t.ambient = uniform(-2, 2), t.diffuse = uniform(-2, 2), t.lightfactor = uniform(-2, 2);
-        alignas(16) quad n = {uniform(-1, 1), uniform(-1, 1), uniform(-1, 1), float(rng() % 4)};
-        float scale = rng() % 50 ? 768.0f / float(1 + rng() % 2000) : INFINITY, p[3] = {uniform(-9, 9), 1, 1};
+        for (int k = 0; k < 3; ++k) t.sundirection[k] = rng.real(-1, 1), t.suncolour[k] = uint8_t(rng());
+        t.ambient = rng.real(-2, 2), t.diffuse = rng.real(-2, 2), t.lightfactor = rng.real(-2, 2);
+        alignas(16) quad n = {rng.real(-1, 1), rng.real(-1, 1), rng.real(-1, 1), float(rng() % 4)};
+        float scale = rng() % 50 ? 768.0f / float(1 + rng() % 2000) : INFINITY, p[3] = {rng.real(-9, 9), 1, 1};
         uint32_t colour = rng.pixel(), sun = modelreference::sun(colour, n, scale, t);
         ASSERT_EQ(sunterm(colour, n, scale, t), sun) << round;
         lights.count = int(rng() % 5);
         for (int l = 0; l < 16; ++l)
-            lights.position[l / 4][l % 4] = uniform(-600, 600), lights.colour[l / 4][l % 4] = float(rng() & 255);
+            lights.position[l / 4][l % 4] = rng.real(-600, 600), lights.colour[l / 4][l % 4] = float(rng() & 255);
         for (float& r : lights.radius) r = float(rng() % 100000) * 256.0f;
         ASSERT_EQ(pointlightterm(sun, _mm_setr_ps(p[0], p[1], p[2], 0), _mm_load_ps(&n.x), lights),
                   modelreference::point(sun, p, n, lights)) << round;
     }
-}
-
-// Every member draws random models, billboards, declined textures and degenerate matrices among
-// them, inside the fenced target; a model that passes the cull gives its extent, one that does not
-// leaves the result as it was.
-TEST_F(modelrender, everymemberdrawsinsidethetarget) {
-    std::set<int> members;
-    const float extremes[] = {NAN, INFINITY, -1e30f, 1e-30f, 0.0f, 1e20f};
-    for (int round = 0; round < 600; ++round) {
-        randomhostmodel h(rng, texturecount);
-        std::unique_ptr<model> m = buildmodel(h.s, pool);
-        const int buffers = int(rng() % 3);
-        scene(buffers != 2, buffers != 1);
-        for (int k = rng() % 16 ? 0 : 1 + int(rng() % 3); k > 0; --k) matrix[rng() % 16] = extremes[rng() % 6];
-        int result[6] = {}, untouched[6] = {};
-        const int member = drawmodel(*m, *workspace, matrix, result);
-        members.insert(member);
-        EXPECT_EQ(std::memcmp(result, untouched, sizeof result) != 0, member >= 0) << round;
-        ASSERT_TRUE(colour.intact() && depth.intact()) << round;
-    }
-    EXPECT_EQ(members.size(), 19u);  // and -1 for nothing drawn
 }
 
 // Once a model is lit a draw takes nothing from the heap or the pool, textures declined or not.
@@ -144,6 +101,29 @@ TEST_F(modelrender, drawsallocatenothingoncethemodelislit) {
         drawmodel(*m, *workspace, matrix, nullptr);
         EXPECT_TRUE(newcount == before && allocatedbytes == bytes) << draw;
     }
+}
+
+// A mask only narrows: a wider one is refused and the model keeps its own; dropping FM_SHARELIGHT
+// shows the faces that sharing hid, and colours them even though the colours existed.
+TEST_F(modelrender, masksonlynarrowanddroppingsharelightshowshiddenfaces) {
+    randomhostmodel h(rng, texturecount);
+    while (h.types.empty() || h.s.facecount < 10) h = randomhostmodel(rng, texturecount);
+    h.s.functionmask = FM_SHARELIGHT | FM_TINT;
+    std::unique_ptr<model> m = buildmodel(h.s, pool);
+    lightpass(*m);
+    for (int f = 0; f < m->facecount; f += 2) m->facetypes[f] = 2, m->litcolours[f] = {};
+    try {
+        narrowmask(*m, FM_SHARELIGHT | FM_TINT | FM_MOVE_X);
+        ADD_FAILURE() << "a wider mask was taken";
+    } catch (IllegalArgumentException* e) {
+        EXPECT_STREQ(e->message(), "Can't re-enable previously disabled functions");
+        delete e;
+    }
+    EXPECT_EQ(m->functionmask, FM_SHARELIGHT | FM_TINT);
+    EXPECT_EQ(m->facetypes[0], 2);
+    narrowmask(*m, FM_TINT);
+    EXPECT_EQ(m->functionmask, FM_TINT);
+    for (int f = 0; f < m->facecount; f += 2) EXPECT_TRUE(m->facetypes[f] != 2 && m->litcolours[f].corner[0]) << f;
 }
 
 // Tint by its arithmetic, recolour and retexture with the colours they make stale.

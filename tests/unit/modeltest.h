@@ -11,6 +11,8 @@
 #include "model/build.h"
 #include "target.h"
 #include "testhost.h"
+#include "toolkit/light.h"
+#include "toolkit/view.h"
 #include "toolkit/tables.h"
 #include "toolkit/texturestore.h"
 #include "util/frame.h"
@@ -63,9 +65,54 @@ struct randomhostmodel {
               viewof(scale[1]), viewof(scale[2]), viewof(rotation), viewof(direction), viewof(shift[0]),
               viewof(shift[1]), viewof(shift[2])},
              viewof(markers), pick(3), pick(3), rng() & (pick(4) ? 0xFFFFF : 0xFFFFF & ~FM_KEEPCOLOURS),
-             rng() & 0x7F, pick(4) ? 64 + pick(128) : 128, 256 + pick(1024), viewof(billboardints)};
+             rng() & 0x7F, pick(4) ? 64 + pick(128) : 128, pick(16) ? 256 + pick(1024) : 0, viewof(billboardints)};
     }
 };
+
+// Random descriptors for every texture of `store`, and random images loaded for the first
+// `loaded`; the host declines the others.
+inline void filltextures(texturestore& store, int count, int loaded, testrng& rng) {
+    std::vector<uint32_t> pixels(texturesize * texturesize);
+    for (int id = 0; id < count; ++id) {
+        texturedescriptor& d = store.descriptors[id] = {};
+        d.value = int(rng() % 3), d.type = rng() % 4 ? 0 : 6, d.speedu = int8_t(rng() % 4 ? 0 : rng());
+        d.hidden = rng() % 3 == 0, d.flagthree = rng() % 4 == 0;
+        d.blend = uint8_t(rng() % 2 ? rng() : 0), d.bright = uint8_t(rng() % 2 ? rng() : 0);
+        for (uint32_t& p : pixels) p = rng() % 4 ? rng.pixel() : 0;
+        if (id < loaded) loadtexture(store, id, d, pixels.data());
+    }
+}
+
+// A camera looking down z at a model about 30 units away, with random sun, point lights, fog and
+// shade, on toolkit `t`; the loaded textures as a reload may leave them, unlike their descriptors.
+inline void randomscene(toolkit& t, texturestore& store, testrng& rng) {
+    alignas(16) float view[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    alignas(16) float projection[16] = {1.5f, 0, 0, 0, 0, 1.5f, 0, 0, 0, 0, 1.001f, 1, 0, 0, -2.001f, 0};
+    setviewmatrix(t, view);
+    setprojectionmatrix(t, projection);
+    setsun(t, int(rng()), rng.real(0, 1), rng.real(0, 1), rng.real(-1, 1), rng.real(-1, 1), rng.real(-1, 1));
+    t.lightfactor = rng.real(0, 1.2f);
+    int lights[4 * 5];
+    for (int& v : lights) v = int(rng() % 41) - 20;
+    const float intensities[4] = {1, 1, 1, 1};
+    setpointlights(t, int(rng() % 3) * 2, lights, intensities);
+    setfog(t, int(rng()), rng() % 3 ? 1960 + int(rng() % 40) : 0);
+    setshade(t, int(rng() % 41) - 20, int(rng()), 1 + int(rng() % 40));
+    t.fogoverride = rng() % 2;
+    for (texturerecord& r : store.records) r.value = int(rng() % 3), r.flagfive = rng() % 2;
+}
+
+// A model matrix that scales the host's coordinates down about a hundred times, turns them any
+// way and sets them in view, now and then far off to the side; and with `degenerate`, now and then
+// with entries that are not numbers, infinite, huge, tiny or zero.
+inline void randommatrix(float* matrix, testrng& rng, bool degenerate) {
+    for (int i = 0; i < 12; ++i) matrix[i] = i % 4 == 3 ? 0.0f : rng.real(-0.012f, 0.012f);
+    matrix[12] = rng.real(-5, 5) + (rng() % 8 ? 0.0f : 10000.0f), matrix[13] = rng.real(-5, 5);
+    matrix[14] = rng.real(22, 40), matrix[15] = 1.0f;
+    const float extremes[] = {NAN, INFINITY, -1e30f, 1e-30f, 0.0f, 1e20f};
+    for (int k = degenerate && rng() % 4 == 0 ? 1 + int(rng() % 3) : 0; k > 0; --k)
+        matrix[rng() % 16] = extremes[rng() % 6];
+}
 
 class modeltest : public ::testing::Test {
 protected:
@@ -73,19 +120,11 @@ protected:
     void SetUp() override {
         _mm_setcsr(librarymxcsr);
         t.textures = store;
-        std::vector<uint32_t> pixels(texturesize * texturesize);
-        for (int id = 0; id < texturecount; ++id) {
-            texturedescriptor& d = descriptors[id] = {};
-            d.value = int(rng() % 3), d.type = rng() % 4 ? 0 : 6, d.speedu = int8_t(rng() % 4 ? 0 : rng());
-            d.hidden = rng() % 3 == 0, d.flagthree = rng() % 4 == 0;
-            d.blend = uint8_t(rng() % 2 ? rng() : 0), d.bright = uint8_t(rng() % 2 ? rng() : 0);
-            for (uint32_t& p : pixels) p = rng() % 4 ? rng.pixel() : 0;
-            if (id < loadedtextures) loadtexture(*store, id, d, pixels.data());
-        }
+        filltextures(*store, texturecount, loadedtextures, rng);
     }
     void TearDown() override { _mm_setcsr(hostmxcsr), destroytexturestore(store); }
 
-    static constexpr int texturecount = 8, loadedtextures = 6;  // the host declines the others
+    static constexpr int texturecount = 8, loadedtextures = 6;
     testrng rng{20261123};
     testhost host;  // its toolkit is current
     toolkit& t = host.t;

@@ -25,6 +25,7 @@ inline uint16_t startlane(float v) {
     return static_cast<uint16_t>(saturate16(static_cast<int>(static_cast<unsigned>(trunc(v)) - 0x8000u)) + 0x8000);
 }
 inline uint32_t byte(uint32_t v, int c) { return v >> (8 * c) & 0xFF; }
+inline int wrapsum(int a, int b) { return static_cast<int>(unsigned(a) + unsigned(b)); }
 
 inline bool accept(const float* a, const float* b, const float* c) {
     // Beyond right, bottom, far, near, then left, top, and before 0 in depth, all three vertices.
@@ -46,7 +47,8 @@ inline void spanrow(const spanmember& m, const rasterspan& s, int y) {
     const int vx = r.viewport[0], cx = r.rasterclip[0];
     int xl = round(s.edge[0]), xr = round(s.edge[2]);
     const float inv = rcp(static_cast<float>(static_cast<int>(unsigned(xr) - unsigned(xl))));
-    xr = static_cast<int>(std::min({static_cast<long long>(xr), vx + 0LL + r.viewport[2], cx + 0LL + r.rasterclip[2]}));
+    // The right ends are summed in 32 bits, as the clip's width was taken.
+    xr = std::min({xr, wrapsum(vx, r.viewport[2]), wrapsum(cx, r.rasterclip[2])});
     float skip = 0.0f;
     if (xl < vx) skip = static_cast<float>(vx) - static_cast<float>(xl), xl = vx;
     if (xl < cx) skip += static_cast<float>(cx) - static_cast<float>(xl), xl = cx;
@@ -181,8 +183,7 @@ inline void triangle(const trianglemember& m, const rastertriangle& t) {
             s.addcolour[4 * side + ch] = static_cast<uint16_t>(startlane(value[from][8 + ch]) + int16_t(skip) * da);
         }
     };
-    const long long bottom = std::min(static_cast<long long>(r.viewport[1]) + r.viewport[3],
-                                      static_cast<long long>(r.rasterclip[1]) + r.rasterclip[3]);
+    const long long bottom = std::min(wrapsum(r.viewport[1], r.viewport[3]), wrapsum(r.rasterclip[1], r.rasterclip[3]));
     long long y = row[0], skip = 0;
     if (y < r.viewport[1]) skip = r.viewport[1] - y, y = r.viewport[1];
     if (y < r.rasterclip[1]) skip += r.rasterclip[1] - y, y = r.rasterclip[1];
