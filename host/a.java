@@ -24,4 +24,8 @@ public class a {
                           int colour1, int colour2);
     public native void K(long peer, int unused, int x1, int y1, int x2, int y2, int colour, int width,
                          int unused2);
+    // Shared light of two models, b at (x, y, z) from a; hit test of a screen point; marker positions.
+    public native void P(long peer, long a, long b, int x, int y, int z, int unused);
+    public native boolean ya(long peer, long model, int x, int y, float[] matrix, boolean boxonly);
+    public native void J(long peer, long model, int[] out, float[] matrix);
 }

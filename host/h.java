@@ -43,4 +43,28 @@ public class h {
     public native void X(short from, short to);
     public native void W(short from, short to);
     public native void PA(int hue, int saturation, int lightness, int amount);
+
+    // Whole-model transforms: binary angles, 16384 to the circle; scales in 128ths
+    public native void f(int angle);
+    public native void S(int angle);
+    public native void t(int angle);
+    public native void VA(int angle);
+    public native void EA(int angle);
+    public native void K(int angle);
+    public native void ia(int x, int y, int z);
+    public native void oa(int x, int y, int z);
+    public native void wa();
+
+    // Animation steps: of the listed groups of the model at `model`, of masked members with an
+    // optional frame, of the whole model; a matrix at an address on masked vertices (bound only by
+    // its decorated name); the pivot's reset
+    public native void J(long model, int type, int[] groups, int x, int y, int z, int order, boolean normals);
+    public native void e(int type, int[] groups, int x, int y, int z, boolean normals, int select, int[] frame);
+    public native void w(int type, int x, int y, int z);
+    public native void aa(long matrix, int select, boolean inverse);
+    public native boolean ea();
+
+    // Shadow outline into the given mask or a new one; clone into dest with scratch's blocks
+    public native Object ga(aa mask);
+    public native void BA(h dest, h scratch, int mask, boolean grow, boolean prelight);
 }

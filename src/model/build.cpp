@@ -110,8 +110,9 @@ void buildbillboards(model& m, const modelsource& s, int* faceremap, facesplit& 
             r = split.textured + split.plain++;
             checkslot(r, maxmodelitems);
             faceremap[f] = static_cast<int16_t>(r);
-            // The billboard's own index, not its face's, picks the type entry.
-            if (s.types && s.types[i] == 2) typesneeded = true;
+            // The billboard's own index, not its face's, picks the type entry; a model with more
+            // billboards than types has none for the later ones.
+            if (i < s.types.length && s.types[i] == 2) typesneeded = true;
         }
         m.billboards[i] = {static_cast<uint16_t>(r),
                            static_cast<uint16_t>(record[1]),

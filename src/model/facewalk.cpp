@@ -9,14 +9,13 @@
 namespace {
 
 // Which faces a pass draws: all of them, or in a translucent model the opaque faces and then the
-// translucent ones.
+// translucent ones, as `inpass` chooses.
 enum class pass { all, opaque, translucent };
 
 bool inpass(pass p, uint8_t alpha, const texturerecord* r) {
     bool alphatexture = r && r->value == 2;
     if (p == pass::opaque) return alpha == 0 && !alphatexture;
-    if (p == pass::translucent) return alpha != 255 && (alphatexture || alpha != 0);
-    return true;
+    return alpha != 255 && (alphatexture || alpha != 0);
 }
 
 // The normal a corner is lit by on a smooth face: the shared one where sharing gave it one.
@@ -43,17 +42,19 @@ template <bool pointlit, bool shade, bool colourless>
 void drawface(modeldraw& d, int f, pass p, rastertriangle& tri) {
     model& m = *d.mdl;
     if (!m.facetypes.empty() && m.facetypes[f] == 2) return;
+    const uint8_t alpha = m.facealphas.empty() ? 0 : m.facealphas[f];
+    // The passes of a translucent model choose their faces by texture before any face is tested,
+    // so every face asks the store for its texture, on screen or not.
+    if (p != pass::all && !inpass(p, alpha, f < m.texturedfacecount ? gettexture(m.facetextures[f]) : nullptr))
+        return;
     const uint16_t corner[3] = {m.facea[f], m.faceb[f], m.facec[f]};
     const float(*screen)[4] = d.workspace->vertices;
     if (!accepttriangle(screen[corner[0]], screen[corner[1]], screen[corner[2]])) return;
     for (int k = 0; k < 3; ++k) _mm_store_ps(tri.position[k], _mm_load_ps(screen[corner[k]]));
-    const uint8_t alpha = m.facealphas.empty() ? 0 : m.facealphas[f];
 
     if constexpr (colourless) {
-        const texturerecord* r = p != pass::all && f < m.texturedfacecount ? gettexture(m.facetextures[f]) : nullptr;
-        if (inpass(p, alpha, r))
-            choosetriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false,
-                           true)(&tri);
+        choosetriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false,
+                       true)(&tri);
         return;
     }
 
@@ -69,7 +70,6 @@ void drawface(modeldraw& d, int f, pass p, rastertriangle& tri) {
     }
 
     const texturerecord* r = f < m.texturedfacecount ? gettexture(m.facetextures[f]) : nullptr;
-    if (!inpass(p, alpha, r)) return;
     const facecolours lit = m.litcolours[f];
     uint32_t colour[3] = {lit.corner[0], lit.corner[1], lit.corner[2]};
     bool canrelight = pointlit ? !m.normals.empty() : m.facenormals.length() > 0;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "raster/cornerorder.h"
 #include "raster/members.h"
 #include "raster/span.h"
 #include "toolkit/toolkit.h"
@@ -99,20 +100,7 @@ struct triangleframe {
         using namespace trianglelanes;
         const float y0 = t->position[0][1], y1 = t->position[1][1], y2 = t->position[2][1];
         int order[3];
-        if (y1 > y0) {
-            if (y2 > y1)
-                order[0] = 0, order[1] = 1, order[2] = 2;
-            else if (y2 > y0)
-                order[0] = 0, order[1] = 2, order[2] = 1;
-            else
-                order[0] = 2, order[1] = 0, order[2] = 1;
-        } else if (y2 > y0) {
-            order[0] = 1, order[1] = 0, order[2] = 2;
-        } else if (y2 > y1) {
-            order[0] = 1, order[1] = 2, order[2] = 0;
-        } else {
-            order[0] = 2, order[1] = 1, order[2] = 0;
-        }
+        cornerorder(y0, y1, y2, order);
         __m128 p[3];
         for (int i = 0; i < 3; ++i) p[i] = _mm_load_ps(t->position[order[i]]);
         __m128i rowsof = _mm_cvttps_epi32(_mm_unpacklo_ps(_mm_unpacklo_ps(spread<1>(p[0]), spread<1>(p[2])),

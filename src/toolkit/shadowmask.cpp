@@ -7,7 +7,7 @@
 #include "util/memory/memorypool.h"
 #include "util/peer.h"
 
-shadowmask::shadowmask(memorypool& pool, int width, int height)
+shadowmask::shadowmask(memorymanager& pool, int width, int height)
     : pool(&pool), width(width), height(height), x(0), y(0), usedwidth(0), usedheight(0) {
     int count = width * height;
     pool.allocate(cells, count);

@@ -7,16 +7,16 @@
 #include "util/hostseam.h"
 #include "util/memory/allocatedmemory.h"
 
-struct memorypool;
+class memorymanager;
 
 struct shadowmask {
-    memorypool* pool;
+    memorymanager* pool;
     int width, height;
     int x, y, usedwidth, usedheight;  // placement and used part, zero at the start
     allocatedmemory<uint8_t> cells;   // width * height
 
     // Takes width * height cells from the pool, all cleared.
-    shadowmask(memorypool& pool, int width, int height);
+    shadowmask(memorymanager& pool, int width, int height);
 };
 
 // What a model or ground tile hands back to the host once it has its mask: the host's own object

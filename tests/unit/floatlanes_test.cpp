@@ -51,6 +51,7 @@ std::array<results, 2> eightandfours(const float* a, const float* b) {
 #pragma GCC reset_options
 
 TEST(floats8, eachgroupgetsthearithmeticoffloats4) {
+    EXPECT_EQ(runnablewidths().back(), widestlanes());
     if (widestlanes() != lanewidth::eight) GTEST_SKIP() << "no AVX2";
     using limits = std::numeric_limits<float>;
     const std::array<float, 16> edges = {0.0f, -0.0f, 1.0f, 0.5f, 1.5f, -2.5f, limits::denorm_min(), -limits::min(),

@@ -578,10 +578,12 @@ bool triangles(fuzzcase& c) {
 
 // Random models of the host's sizes, textures loaded or declined, each under four random matrices
 // (some not numbers, infinite, huge or singular) with random lights, fog and shade, on every form
-// of target: nothing changes outside the clip or the buffers; a model that passes the cull gives
+// of target: nothing changes outside the clip or the buffers; the model is culled as its capsule
+// lies outside the view; a model that passes the cull gives
 // its extent and is counted, one that does not leaves the result and the count as they were; and
 // the model is drawn as the references of the chosen member and of the billboards draw it, to the
-// bit, where the sprite reference can follow the billboards.
+// bit, where the sprite reference can follow the billboards, asking for the same textures in the
+// same order.
 bool models(fuzzcase& c) {
     static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(8),
                                                                               destroytexturestore);
@@ -614,9 +616,14 @@ bool models(fuzzcase& c) {
         const bool twopasses = m->hastranslucency;
         const std::vector<uint32_t> colours(g.colour.get(), g.colour.get() + n);
         const std::vector<float> depths(g.depth.get(), g.depth.get() + n);
+        const size_t asked = s.host.loads.size();
         const int counted = modelcount, member = drawmodel(*m, *w, matrix, result);
+        const std::vector<int> asks(s.host.loads.begin() + long(asked), s.host.loads.end());
         EXPECT_EQ(std::memcmp(result, untouched, sizeof result) != 0, member >= 0) << "draw " << draw;
         EXPECT_EQ(modelcount - counted, member >= 0) << "draw " << draw;
+        EXPECT_EQ(member < 0, !m->facecount || (!rasterstate.targetcolour && !rasterstate.targetdepth) ||
+                                  modelreference::culled(*m, t, matrix))
+            << "draw " << draw;
         if (member < 0) continue;
         // The reference draws the model again over the target as it was.
         const std::vector<uint32_t> drawn(g.colour.get(), g.colour.get() + n);
@@ -630,6 +637,8 @@ bool models(fuzzcase& c) {
                                        chosen.get<memberfog>() == memberfog::fog}))
             << "draw " << draw;
         if (!modelreference::billboards(*m, t, matrix)) std::copy(drawn.begin(), drawn.end(), g.colour.get());
+        EXPECT_TRUE(std::equal(asks.begin(), asks.end(), s.host.loads.begin() + long(asked + asks.size()),
+                               s.host.loads.end())) << "textures asked for, draw " << draw;
         EXPECT_TRUE(samepixels(g, drawn)) << "draw " << draw << " member " << member;
         EXPECT_EQ(std::memcmp(drawndepths.data(), g.depth.get(), n * 4), 0) << "draw " << draw;
     }

@@ -143,6 +143,20 @@ inline bool billboards(const model& m, const toolkit& t, const float* M) {
     return known;
 }
 
+// Whether the model under `M` is culled: its axis's ends both farther than its radius outside one
+// of the view's planes.
+inline bool culled(const model& m, const toolkit& t, const float* M) {
+    const float lowaxis[4] = {0, float(m.miny), 0, 1}, highaxis[4] = {0, float(m.maxy), 0, 1};
+    float low[4], high[4];
+    referencetransform(lowaxis, M, low), referencetransform(highaxis, M, high);
+    const auto distance = [](const float* plane, const float* p) {
+        return plane[0] * p[0] + plane[1] * p[1] + plane[2] * p[2] + plane[3] * p[3];
+    };
+    for (const float* plane : t.frustumplanes)
+        if (distance(plane, low) < -float(m.radius) && distance(plane, high) < -float(m.radius)) return true;
+    return false;
+}
+
 // The faces of `m` under model matrix `M` as the member of the current lights, fog, shade and
 // target draws them, in one pass or, with `twopasses`, opaque faces then translucent ones. Gives
 // the member's light, shade and fog axes.
@@ -174,7 +188,13 @@ inline std::array<bool, 3> draw(const model& m, const toolkit& t, const float* M
             const int type = m.facetypes.empty() ? 0 : m.facetypes[f], alpha = m.facealphas.empty() ? 0 : m.facealphas[f];
             const int v[3] = {m.facea[f], m.faceb[f], m.facec[f]};
             alignas(16) rastertriangle tri{};
-            if (type == 2 || !rasterreference::accept(screen[v[0]].data(), screen[v[1]].data(), screen[v[2]].data()))
+            if (type == 2) continue;
+            if (twopasses) {
+                const texturerecord* chosen = f < m.texturedfacecount ? gettexture(m.facetextures[f]) : nullptr;
+                const bool alphatexture = chosen && chosen->value == 2;
+                if (pass == 1 ? alpha != 0 || alphatexture : alpha == 255 || (!alphatexture && !alpha)) continue;
+            }
+            if (!rasterreference::accept(screen[v[0]].data(), screen[v[1]].data(), screen[v[2]].data()))
                 continue;
             for (int k = 0; k < 4; ++k) {
                 for (int c = 0; c < 3; ++c) tri.position[c][k] = screen[v[c]][k];
@@ -184,10 +204,8 @@ inline std::array<bool, 3> draw(const model& m, const toolkit& t, const float* M
                 tri.shadetint[k] = r.shadecolour[k];
             }
             if (shade && r.targetcolour && (tri.shadefactor[0] == 1 || tri.shadefactor[1] == 1 || tri.shadefactor[2] == 1)) continue;
-            const texturerecord* rec = f < m.texturedfacecount ? gettexture(m.facetextures[f]) : nullptr;
-            const bool alphatexture = rec && rec->value == 2;
-            if (pass == 1 ? alpha != 0 || alphatexture : pass == 2 && (alpha == 255 || (!alphatexture && !alpha)))
-                continue;
+            // A depth-only target draws every face plain, without asking for its texture.
+            const texturerecord* rec = r.targetcolour && f < m.texturedfacecount ? gettexture(m.facetextures[f]) : nullptr;
             faceselection face = {fold, shading::gouraud, alphamode::opaque, wrapmode::repeat,
                                   alpha ? blended::yes : blended::no, r.targetcolour != nullptr, r.targetdepth != nullptr};
             if (!r.targetcolour) face.blend = blended::no;
