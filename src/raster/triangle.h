@@ -60,7 +60,7 @@ struct vertexcolours {
 
 }  // namespace trianglelanes
 
-template <trianglemember M>
+template <trianglemember M, class V, class F>
 struct triangleframe {
     static constexpr spanmember span = spanof(M);
     static constexpr bool colour = M.get<shading>() != shading::colourless;
@@ -184,7 +184,7 @@ struct triangleframe {
         long long skip2 = 0, lower = static_cast<long long>(yb) - ym;
         if (rows > 0) {
             s.rows = static_cast<int>(rows);
-            drawspan<span>(&s);
+            drawspan<span, V, F>(&s);
         } else {
             skip2 = -rows;
             lower += rows;
@@ -216,9 +216,9 @@ struct triangleframe {
             _mm_store_ps(s.uv, replace(_mm_add_ps(uz[1], _mm_mul_ps(skips2, uvmb)), _mm_load_ps(s.uv)));
         }
         s.rows = static_cast<int>(rows);
-        drawspan<span>(&s);
+        drawspan<span, V, F>(&s);
     }
 };
 
-template <trianglemember M>
-inline constexpr trianglefunction drawtriangle = &triangleframe<M>::draw;
+template <trianglemember M, class V, class F>
+inline constexpr trianglefunction drawtriangle = &triangleframe<M, V, F>::draw;

@@ -20,6 +20,7 @@
 #include "model/render.h"
 #include "modelreference.h"
 #include "modeltest.h"
+#include "raster/raster.h"
 #include "shapereference.h"
 #include "sprite/drawscaled.h"
 #include "sprite/drawsprite.h"
@@ -534,6 +535,47 @@ bool thicklines(fuzzcase& c) {
     return s.check(false);
 }
 
+// Raster triangles of every member the buffers allow, their corners, depths and texel coordinates
+// ordinary, huge, infinite or undefined, drawn without the accept test: besides what any client
+// draw keeps to, nothing changes outside the viewport, and no texel is read past the texture's
+// last row, which lies against an inaccessible page.
+bool triangles(fuzzcase& c) {
+    static const guarded<uint32_t> texels(127 * 256 + 128, placement::atend);
+    clientscene s(c);
+    const bool colour = s.g.t.colourbuffer, depth = s.g.t.depthbuffer;
+    const float w = static_cast<float>(s.g.t.width), h = static_cast<float>(s.g.t.height);
+    auto any = [&](float low, float high) {
+        return c.onein(12) ? std::array{NAN, INFINITY, -INFINITY, 1e30f, -3e9f, 3e9f}[c.below(6)] : c.real(low, high);
+    };
+    rastertriangle t{};
+    for (int v = 0; v < 3; ++v) {
+        // Now and then a corner's x or y repeats the last one's, for edges of no width or height.
+        for (int k = 0; k < 2; ++k) t.position[v][k] = v && c.onein(6) ? t.position[v - 1][k] : any(-w, 2 * (k ? h : w));
+        t.position[v][2] = t.position[v][3] = any(-0.5f, 1.5f);
+        for (int k = 0; k < 4; ++k) t.colour[v][k] = static_cast<uint16_t>(c()), t.uv[v][k] = any(-300.0f, 300.0f);
+        t.shadefactor[v] = c.real(0.0f, 1.0f), t.shadetint[v] = c.real(0.0f, 65280.0f);
+    }
+    t.blendfactor = c.below(256) * 0x10001u;
+    t.texels[0] = texels.get();
+    rasterstate.fogstart = c.real(-1.0f, 1.0f), rasterstate.fogscale = c.real(0.0f, 4.0f);
+    const trianglefunction draw =
+        c.onein(4) ? rawtriangle(colour, depth)
+                   : choosetriangle(recipe(c.below(4)), c.below(2) ? shading::textured : shading::gouraud,
+                                    alphamode(c.below(3)), wrapmode(c.below(2)), blended(c.below(2)), colour, depth);
+    if (!draw) return false;
+    c.note("triangle", t.position[0][0], t.position[0][1], t.position[1][0], t.position[1][1], t.position[2][0],
+           t.position[2][1]);
+    draw(&t);
+    const int* v = rasterstate.viewport;
+    for (int i = 0; i < s.g.pixels(); ++i) {
+        const long long x = i % s.g.t.width, y = i / s.g.t.width;
+        const bool changed = s.g.colour[i] != s.colours[i] || memcmp(&s.g.depth[i], &s.depths[i], 4);
+        EXPECT_TRUE(!changed || (x >= v[0] && y >= v[1] && x < v[0] + 0LL + v[2] && y < v[1] + 0LL + v[3]))
+            << "changed " << x << "," << y << " outside the viewport";
+    }
+    return s.check(true);
+}
+
 // Random models of the host's sizes, textures loaded or declined, each under four random matrices
 // (some not numbers, infinite, huge or singular) with random lights, fog and shade, on every form
 // of target: nothing changes outside the clip or the buffers; the model is culled as its capsule
@@ -610,6 +652,7 @@ const fuzzfamily families[] = {
     {"fonts", 1500, fonts},
     {"particles", 10000, particles},
     {"thicklines", 20000, thicklines},
+    {"triangles", 100000, triangles},
     {"models", 4000, models},
 };
 
