@@ -25,7 +25,8 @@ TEST_F(clone, arraysaresharedorprivateasthemasksays) {
         std::unique_ptr<model> source = randommodel(rng() % 8 ? 0xFFFFF : 0xBFFFF);
         if (rng() % 3 == 0) source->litcolours.release();
         // Now and then one bit alone, so that each is seen without the others that act alike.
-        uint32_t mask = rng() % 4 ? uint32_t(rng()) & (rng() % 2 ? 0xFFFFF : 0xFFFFF & ~0x97218) : 1u << rng() % 21 >> 1;
+        const uint32_t wide = rng() % 2 ? 0xFFFFF : 0xFFFFF & ~0x97218;
+        uint32_t mask = rng() % 4 ? uint32_t(rng()) & wide : 1u << rng() % 21 >> 1;
         mask |= round % 8 ? 0 : 0x40000;
         const bool grow = rng() % 2, prelight = rng() % 2, hadlight = !source->litcolours.empty();
         const std::vector<uint8_t> untouched = snapshot(dest);
