@@ -35,6 +35,8 @@ struct floats4 {
     WEXEL_LANES type or_(type a, type b) { return _mm_or_ps(a, b); }
     WEXEL_LANES type andnot(type a, type b) { return _mm_andnot_ps(a, b); }
     WEXEL_LANES int signs(type a) { return _mm_movemask_ps(a); }
+    WEXEL_LANES type unpacklo(type a, type b) { return _mm_unpacklo_ps(a, b); }
+    WEXEL_LANES type unpackhi(type a, type b) { return _mm_unpackhi_ps(a, b); }
 
     // Lane i of a in all four lanes.
     template <int i>
@@ -47,4 +49,5 @@ struct floats4 {
     WEXEL_LANES __m128i round(type a) { return _mm_cvtps_epi32(a); }
     WEXEL_LANES type fromints(__m128i a) { return _mm_cvtepi32_ps(a); }
     WEXEL_LANES __m128i bits(type a) { return _mm_castps_si128(a); }
+    WEXEL_LANES type ofbits(__m128i a) { return _mm_castsi128_ps(a); }
 };

@@ -36,6 +36,9 @@ struct floats8 {
     WEXEL_LANES type or_(type a, type b) { return _mm256_or_ps(a, b); }
     WEXEL_LANES type andnot(type a, type b) { return _mm256_andnot_ps(a, b); }
     WEXEL_LANES int signs(type a) { return _mm256_movemask_ps(a); }
+    WEXEL_LANES type unpacklo(type a, type b) { return _mm256_unpacklo_ps(a, b); }
+    WEXEL_LANES type unpackhi(type a, type b) { return _mm256_unpackhi_ps(a, b); }
+    WEXEL_LANES type pair(__m128 first, __m128 second) { return _mm256_set_m128(second, first); }
 
     // Lane i of each group in all four lanes of that group.
     template <int i>
@@ -46,4 +49,5 @@ struct floats8 {
     WEXEL_LANES __m256i round(type a) { return _mm256_cvtps_epi32(a); }
     WEXEL_LANES type fromints(__m256i a) { return _mm256_cvtepi32_ps(a); }
     WEXEL_LANES __m256i bits(type a) { return _mm256_castps_si256(a); }
+    WEXEL_LANES type ofbits(__m256i a) { return _mm256_castsi256_ps(a); }
 };

@@ -37,6 +37,23 @@ struct lanes4 {
     WEXEL_LANES type shr32(type a, int n) { return _mm_srli_epi32(a, n); }
     WEXEL_LANES type shl32(type a, int n) { return _mm_slli_epi32(a, n); }
     WEXEL_LANES type or_(type a, type b) { return _mm_or_si128(a, b); }
+    WEXEL_LANES type and_(type a, type b) { return _mm_and_si128(a, b); }
+    WEXEL_LANES type andnot(type a, type b) { return _mm_andnot_si128(a, b); }
+    WEXEL_LANES type set32(int v) { return _mm_set1_epi32(v); }
+    WEXEL_LANES type shl16(type a, int n) { return _mm_slli_epi16(a, n); }
+    WEXEL_LANES type equal16(type a, type b) { return _mm_cmpeq_epi16(a, b); }
+    WEXEL_LANES type equal32(type a, type b) { return _mm_cmpeq_epi32(a, b); }
+    WEXEL_LANES type packs16(type a, type b) { return _mm_packs_epi16(a, b); }
+    WEXEL_LANES type packs32(type a, type b) { return _mm_packs_epi32(a, b); }
+    // The words at the four 16-bit indices in the low half of each group, by four scalar loads.
+    WEXEL_LANES type gatherwords(const uint32_t* src, type indices) {
+        const uint64_t at = static_cast<uint64_t>(_mm_cvtsi128_si64(indices));
+        __m128i t0 = _mm_cvtsi32_si128(static_cast<int>(src[at & 0xFFFF]));
+        __m128i t1 = _mm_cvtsi32_si128(static_cast<int>(src[at >> 16 & 0xFFFF]));
+        __m128i t2 = _mm_cvtsi32_si128(static_cast<int>(src[at >> 32 & 0xFFFF]));
+        __m128i t3 = _mm_cvtsi32_si128(static_cast<int>(src[at >> 48]));
+        return _mm_unpacklo_epi64(_mm_unpacklo_epi32(t0, t1), _mm_unpacklo_epi32(t2, t3));
+    }
     // Lane 3 of each group of four 16-bit lanes into all four.
     WEXEL_LANES type spread3(type a) { return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, 0xFF), 0xFF); }
 

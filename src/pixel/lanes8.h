@@ -36,6 +36,24 @@ struct lanes8 {
     WEXEL_LANES type shr32(type a, int n) { return _mm256_srli_epi32(a, n); }
     WEXEL_LANES type shl32(type a, int n) { return _mm256_slli_epi32(a, n); }
     WEXEL_LANES type or_(type a, type b) { return _mm256_or_si256(a, b); }
+    WEXEL_LANES type and_(type a, type b) { return _mm256_and_si256(a, b); }
+    WEXEL_LANES type andnot(type a, type b) { return _mm256_andnot_si256(a, b); }
+    WEXEL_LANES type set32(int v) { return _mm256_set1_epi32(v); }
+    WEXEL_LANES type shl16(type a, int n) { return _mm256_slli_epi16(a, n); }
+    WEXEL_LANES type equal16(type a, type b) { return _mm256_cmpeq_epi16(a, b); }
+    WEXEL_LANES type equal32(type a, type b) { return _mm256_cmpeq_epi32(a, b); }
+    WEXEL_LANES type packs16(type a, type b) { return _mm256_packs_epi16(a, b); }
+    WEXEL_LANES type packs32(type a, type b) { return _mm256_packs_epi32(a, b); }
+    WEXEL_LANES type gatherwords(const uint32_t* src, type indices) {
+        const uint64_t a = static_cast<uint64_t>(_mm256_extract_epi64(indices, 0));
+        const uint64_t b = static_cast<uint64_t>(_mm256_extract_epi64(indices, 2));
+        return _mm256_setr_epi32(int(src[a & 0xFFFF]), int(src[a >> 16 & 0xFFFF]), int(src[a >> 32 & 0xFFFF]),
+                                 int(src[a >> 48]), int(src[b & 0xFFFF]), int(src[b >> 16 & 0xFFFF]),
+                                 int(src[b >> 32 & 0xFFFF]), int(src[b >> 48]));
+    }
+    // Two groups as one register, and the first of them.
+    WEXEL_LANES type pair(__m128i first, __m128i second) { return _mm256_set_m128i(second, first); }
+    WEXEL_LANES __m128i low(type a) { return _mm256_castsi256_si128(a); }
     WEXEL_LANES type spread3(type a) { return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(a, 0xFF), 0xFF); }
 
     WEXEL_LANES type depthpass(const float* depth, float z) {

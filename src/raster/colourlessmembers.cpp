@@ -1,3 +1,3 @@
 #include "raster/memberfile.h"
 
-constinit const colourlessfile colourlessmembers = buildmembers<colourlessfile>();
+constinit const colourlessfile colourlessmembers = buildmembers<colourlessfile, lanes4, floats4>();

@@ -1,3 +1,3 @@
 #include "raster/memberfile.h"
 
-constinit const gouraudfile gouraudmembers = buildmembers<gouraudfile>();
+constinit const gouraudfile gouraudmembers = buildmembers<gouraudfile, lanes4, floats4>();

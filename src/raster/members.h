@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "pixel/lanewidth.h"
 #include "pixel/variants.h"
 #include "raster/raster.h"
 
@@ -293,7 +294,14 @@ extern const texturedfile<alphamode::key> keymembers;
 extern const texturedfile<alphamode::alpha> alphamembers;
 extern const groundfile<shadowed::no> groundmembers;
 extern const groundfile<shadowed::yes> shadowedgroundmembers;
+// The same tables at eight lanes, for processors with AVX2; the ground's own members are built
+// at four lanes only and serve both widths.
+extern const gouraudfile widegouraudmembers;
+extern const colourlessfile widecolourlessmembers;
+extern const texturedfile<alphamode::opaque> wideopaquemembers;
+extern const texturedfile<alphamode::key> widekeymembers;
+extern const texturedfile<alphamode::alpha> widealphamembers;
 
-// The function of any member; null for a combination that is not a member.
-trianglefunction trianglefor(const trianglemember& m);
-spanfunction spanfor(const spanmember& m);
+// The function of any member at a lane width; null for a combination that is not a member.
+trianglefunction trianglefor(const trianglemember& m, lanewidth lanes = widestlanes());
+spanfunction spanfor(const spanmember& m, lanewidth lanes = widestlanes());

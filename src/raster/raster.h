@@ -97,9 +97,9 @@ struct alignas(16) rasterspan {
 using trianglefunction = void (*)(const rastertriangle*);
 using spanfunction = void (*)(rasterspan*);
 
-// The triangle function of a model face, and the span function it calls: `colour` and `depth` tell
-// which buffers the target has. Gouraud faces ignore the alpha and wrap modes; an alpha-mode face
-// is never blended. A target without colour gets the depth-only member; without either, null.
+// The triangle function of a model face, and the span function it calls, at the widest lanes the
+// processor runs: `colour` and `depth` tell which buffers the target has. Gouraud faces ignore the
+// alpha and wrap modes; an alpha-mode face is never blended. A target without colour gets the depth-only member; without either, null.
 trianglefunction choosetriangle(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth);
 spanfunction choosespan(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth);
 

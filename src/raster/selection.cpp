@@ -1,21 +1,32 @@
 // Choosing a member: the tables hold, for every face a caller can describe, the place of its
-// function in the table of the file that builds it, worked out when the library is compiled.
+// function in the table of the file that builds it, worked out when the library is compiled; the
+// widest lanes the processor runs choose between the tables of each width.
 #include <array>
 
 #include "raster/members.h"
 
 namespace {
 
-// The place of a member's function in the file that builds it, or null.
-template <class Member>
+// The place of a member's function in the file that builds it at a lane width, or null.
+template <lanewidth lanes, class Member>
 constexpr auto slotof(const Member& m) {
     decltype(gouraudmembers.find(m)) found = nullptr;
     auto look = [&](const auto& file) {
         if (file.builds(m)) found = file.find(m);
     };
-    look(gouraudmembers), look(colourlessmembers), look(opaquemembers), look(keymembers), look(alphamembers);
+    if constexpr (lanes == lanewidth::eight)
+        look(widegouraudmembers), look(widecolourlessmembers), look(wideopaquemembers), look(widekeymembers),
+            look(widealphamembers);
+    else
+        look(gouraudmembers), look(colourlessmembers), look(opaquemembers), look(keymembers), look(alphamembers);
+    // The ground's own members are built at four lanes alone.
     look(groundmembers), look(shadowedgroundmembers);
     return found;
+}
+
+template <class Member>
+auto slotof(const Member& m, lanewidth lanes) {
+    return lanes == lanewidth::eight ? slotof<lanewidth::eight>(m) : slotof<lanewidth::four>(m);
 }
 
 constexpr int selectionkey(const faceselection& f) {
@@ -39,36 +50,45 @@ constexpr int groundkey(const groundselection& g) {
     return key * axiscount<shadowed> + int(g.shadow);
 }
 
-constexpr auto groundselectiontable = [] {
+template <lanewidth lanes>
+constexpr auto groundtable = [] {
     std::array<const trianglefunction*,
                axiscount<recipe> * axiscount<layers> * axiscount<blended> * axiscount<shadowed>>
         table{};
-    everygroundface([&](const groundselection& g) { table[size_t(groundkey(g))] = slotof(groundtriangle(g)); });
+    everygroundface(
+        [&](const groundselection& g) { table[size_t(groundkey(g))] = slotof<lanes>(groundtriangle(g)); });
     return table;
 }();
 
-constexpr auto triangleselection = selectiontable([](const trianglemember& m) { return slotof(m); });
-constexpr auto spanselection = selectiontable([](const trianglemember& m) { return slotof(spanof(m)); });
+// By lane width, narrowest first.
+constexpr std::array groundtriangleselection = {groundtable<lanewidth::four>, groundtable<lanewidth::eight>};
+constexpr std::array triangleselection = {
+    selectiontable([](const trianglemember& m) { return slotof<lanewidth::four>(m); }),
+    selectiontable([](const trianglemember& m) { return slotof<lanewidth::eight>(m); })};
+constexpr std::array spanselection = {
+    selectiontable([](const trianglemember& m) { return slotof<lanewidth::four>(spanof(m)); }),
+    selectiontable([](const trianglemember& m) { return slotof<lanewidth::eight>(spanof(m)); })};
 
 }  // namespace
 
-trianglefunction trianglefor(const trianglemember& m) {
-    const trianglefunction* slot = slotof(m);
+trianglefunction trianglefor(const trianglemember& m, lanewidth lanes) {
+    const trianglefunction* slot = slotof(m, lanes);
     return slot ? *slot : nullptr;
 }
 
-spanfunction spanfor(const spanmember& m) {
-    const spanfunction* slot = slotof(m);
+spanfunction spanfor(const spanmember& m, lanewidth lanes) {
+    const spanfunction* slot = slotof(m, lanes);
     return slot ? *slot : nullptr;
 }
 
 trianglefunction choosetriangle(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth) {
-    const trianglefunction* slot = triangleselection[size_t(selectionkey({r, s, a, w, b, colour, depth}))];
+    const trianglefunction* slot =
+        triangleselection[size_t(widestlanes())][size_t(selectionkey({r, s, a, w, b, colour, depth}))];
     return slot ? *slot : nullptr;
 }
 
 spanfunction choosespan(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth) {
-    const spanfunction* slot = spanselection[size_t(selectionkey({r, s, a, w, b, colour, depth}))];
+    const spanfunction* slot = spanselection[size_t(widestlanes())][size_t(selectionkey({r, s, a, w, b, colour, depth}))];
     return slot ? *slot : nullptr;
 }
 
@@ -77,5 +97,5 @@ trianglefunction rawtriangle(bool colour, bool depth) {
 }
 
 trianglefunction choosegroundtriangle(recipe r, layers l, blended b, shadowed s) {
-    return *groundselectiontable[size_t(groundkey({r, l, b, s}))];
+    return *groundtriangleselection[size_t(widestlanes())][size_t(groundkey({r, l, b, s}))];
 }

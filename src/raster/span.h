@@ -1,14 +1,18 @@
-// The span functions: one template over the axes of a span member. Each row is a head, a body
-// and a tail of four-pixel groups aligned to 16 bytes in the target; every interpolant starts at
-// the row's first group and steps four pixels at a time, and only the depth test and the merge of
-// a partly written group branch inside a row.
+// The span functions: one template over the axes of a span member and the lanes of its row body.
+// Each row is a head, a body and a tail of four-pixel groups aligned to 16 bytes in the target;
+// every interpolant starts at the row's first group and steps four pixels at a time, and only the
+// depth test and the merge of a partly written group branch inside a row. With eight lanes the
+// body goes two groups a pass from a 32-byte boundary of the colour buffer, each group with the
+// values it has at four lanes.
 #pragma once
 #include <emmintrin.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 
+#include "pixel/floatlanes.h"
 #include "raster/members.h"
 #include "raster/texels.h"
 #include "toolkit/toolkit.h"
@@ -17,18 +21,24 @@ namespace spanlanes {
 
 [[gnu::always_inline]] inline float reciprocal(float x) { return _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(x))); }
 
-// Lanes `from` and above of a group, for `from` 0 to 4.
-[[gnu::always_inline]] inline __m128i lanesfrom(int from) {
-    alignas(16) static constexpr int32_t above[8] = {0, 0, 0, 0, -1, -1, -1, -1};
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(above + 4 - from));
+// Lanes `from` up to `to` of a group (0 <= from <= to <= 4), by one load.
+[[gnu::always_inline]] inline __m128i lanesbetween(int from, int to) {
+    alignas(64) static constexpr int32_t masks[5][5][4] = {
+        {{0, 0, 0, 0}, {-1, 0, 0, 0}, {-1, -1, 0, 0}, {-1, -1, -1, 0}, {-1, -1, -1, -1}},
+        {{}, {0, 0, 0, 0}, {0, -1, 0, 0}, {0, -1, -1, 0}, {0, -1, -1, -1}},
+        {{}, {}, {0, 0, 0, 0}, {0, 0, -1, 0}, {0, 0, -1, -1}},
+        {{}, {}, {}, {0, 0, 0, 0}, {0, 0, 0, -1}},
+        {{}, {}, {}, {}, {0, 0, 0, 0}}};
+    return _mm_load_si128(reinterpret_cast<const __m128i*>(masks[from][to]));
 }
 
 // z0 - b * dz in extended precision, rounded once to a float. b * dz is exact in a double, and
-// so is the difference unless b * dz is more than 2^27 times z0; a difference too small to reach
-// z0's last bit leaves z0 in both precisions. The rest goes through the extended type.
+// so is the difference while dz is at most 2^25 times z0 (b is at most 3); a difference too small
+// to reach z0's last bit leaves z0 in both precisions. Larger steps, infinities and NaN go through
+// the extended type.
 [[gnu::always_inline]] inline float firstz(float z0, float dz, int b) {
     const double step = static_cast<double>(b) * static_cast<double>(dz);
-    if (__builtin_expect(std::fabs(step) > std::fabs(static_cast<double>(z0)) * 134217728.0, 0))
+    if (__builtin_expect(!(std::fabs(dz) <= std::fabs(z0) * 33554432.0f), 0))
         return static_cast<float>(static_cast<long double>(z0) - static_cast<long double>(step));
     return static_cast<float>(static_cast<double>(z0) - step);
 }
@@ -57,16 +67,16 @@ struct colourgroup {
     [[gnu::always_inline]] colourgroup() = default;
     // Lane j of the first group is the start at lane b, less b steps, plus j steps.
     [[gnu::always_inline]] colourgroup(const colourrow& row, int b) {
-        __m128i back = _mm_set1_epi16(static_cast<short>(b));
+        alignas(64) static constexpr int16_t steps[4][2][8] = {
+            {{0, 0, 0, 0, 1, 1, 1, 1}, {2, 2, 2, 2, 3, 3, 3, 3}},
+            {{-1, -1, -1, -1, 0, 0, 0, 0}, {1, 1, 1, 1, 2, 2, 2, 2}},
+            {{-2, -2, -2, -2, -1, -1, -1, -1}, {0, 0, 0, 0, 1, 1, 1, 1}},
+            {{-3, -3, -3, -3, -2, -2, -2, -2}, {-1, -1, -1, -1, 0, 0, 0, 0}}};
         low = _mm_add_epi16(row.start,
-                            _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(0, 0, 0, 0, 1, 1, 1, 1), back), row.step));
+                            _mm_mullo_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(steps[b][0])), row.step));
         high = _mm_add_epi16(row.start,
-                             _mm_mullo_epi16(_mm_sub_epi16(_mm_setr_epi16(2, 2, 2, 2, 3, 3, 3, 3), back), row.step));
+                             _mm_mullo_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(steps[b][1])), row.step));
         step4 = _mm_slli_epi16(row.step, 2);
-    }
-    [[gnu::always_inline]] void advance() {
-        low = _mm_add_epi16(low, step4);
-        high = _mm_add_epi16(high, step4);
     }
 };
 
@@ -93,96 +103,182 @@ struct spanrules {
     static constexpr bool texelmask = textured && alpha != alphamode::opaque;
 };
 
-// The interpolants of one row at its current group.
-template <spanmember M>
+// The interpolants of one row at its current group: one group of four, or under wider lanes two
+// neighbouring groups side by side.
+template <spanmember M, class V, class F>
 struct spangroup {
     using rules = spanrules<M>;
-    __m128 z, zstep4;
-    spanlanes::colourgroup modulate, addcolour;
-    spanlanes::colourgroup weights[2];  // w0 and w1, each pixel's in all four of its lanes
-    __m128 pairs[2], pairstep4;  // u, v of pixels 0 and 1, of pixels 2 and 3
+    using ints = typename V::type;
+    using floats = typename F::type;
+    floats z;
+    ints modulatelow, modulatehigh;  // colour lanes of pixels 0 and 1, of pixels 2 and 3
+    ints addlow, addhigh;
+    floats pairs[2];  // u, v of pixels 0 and 1, of pixels 2 and 3
+    ints weightlow[2], weighthigh[2];  // w0 and w1 of pixels 0 and 1, of 2 and 3, in all four lanes of each
 
-    [[gnu::always_inline]] void advance() {
-        z = _mm_add_ps(z, zstep4);
-        if constexpr (rules::colour) modulate.advance();
-        if constexpr (rules::add) addcolour.advance();
-        if constexpr (rules::mixed) weights[0].advance(), weights[1].advance();
-        if constexpr (rules::textured) {
-            pairs[0] = _mm_add_ps(pairs[0], pairstep4);
-            pairs[1] = _mm_add_ps(pairs[1], pairstep4);
-        }
-    }
-
-    // The group's pixels, given its old colour where the member reads it; `keep` gets the lanes a
-    // texel leaves as they were.
-    [[gnu::always_inline]] __m128i pixels(const texelsource& source, __m128i old, uint32_t blendfactor,
-                                          __m128i& keep) const {
-        if constexpr (rules::textured) {
-            const pixellanes w[2] = {{weights[0].low, weights[0].high}, {weights[1].low, weights[1].high}};
-            return texelpixels<M>(source, z, pairs, modulate.low, modulate.high, addcolour.low, addcolour.high, w, old,
-                                  blendfactor, keep);
-        }
+    // The group's pixels over its old colour; `keep` gets the lanes a texel leaves as they were.
+    [[gnu::always_inline]] ints pixels(const texelsource& source, ints old, uint32_t blendfactor, ints& keep) const {
+        if constexpr (rules::textured)
+            return texelpixels<M, V, F>(source, z, pairs, modulatelow, modulatehigh, addlow, addhigh, weightlow,
+                                        weighthigh, old, blendfactor, keep);
         if constexpr (rules::blend) {
             // The new colour weighs a, the old 256 - a, both as the high half of 16-bit products.
-            __m128i a = _mm_set1_epi32(static_cast<int>(blendfactor));
-            __m128i rest = _mm_set1_epi32(static_cast<int>(0x01000100u - blendfactor));
-            __m128i low = _mm_add_epi16(_mm_mulhi_epu16(modulate.low, a),
-                                        _mm_mulhi_epu16(_mm_unpacklo_epi8(_mm_setzero_si128(), old), rest));
-            __m128i high = _mm_add_epi16(_mm_mulhi_epu16(modulate.high, a),
-                                         _mm_mulhi_epu16(_mm_unpackhi_epi8(_mm_setzero_si128(), old), rest));
-            return _mm_packus_epi16(low, high);
+            const ints a = V::set32(static_cast<int>(blendfactor));
+            const ints rest = V::set32(static_cast<int>(0x01000100u - blendfactor));
+            const ints low = V::add16(V::mulhi16(modulatelow, a), V::mulhi16(V::unpacklo8(V::zero(), old), rest));
+            const ints high = V::add16(V::mulhi16(modulatehigh, a), V::mulhi16(V::unpackhi8(V::zero(), old), rest));
+            return V::packus16(low, high);
         }
-        return _mm_packus_epi16(_mm_srli_epi16(modulate.low, 8), _mm_srli_epi16(modulate.high, 8));
+        return V::packus16(V::shr16(modulatelow, 8), V::shr16(modulatehigh, 8));
     }
 };
 
-template <spanmember M>
+// What a row's interpolants gain from one group of four to the next.
+struct spansteps {
+    __m128 z, pairs;
+    __m128i modulate, addcolour, weights[2];
+};
+
+template <spanmember M, class V, class F>
 struct spanframe {
     using rules = spanrules<M>;
+    using narrow = spangroup<M, lanes4, floats4>;
+    using wide = spangroup<M, V, F>;
 
-    // One group at colour pixel p and depth q, both 16-byte aligned; `lanes` is the part of the
-    // group inside the span, all four in the body.
-    template <bool whole>
-    [[gnu::always_inline]] static void group(const spangroup<M>& g, uint32_t* p, float* q, __m128i lanes,
+    [[gnu::always_inline]] static void advance(narrow& g, const spansteps& d) {
+        g.z = _mm_add_ps(g.z, d.z);
+        if constexpr (rules::colour) {
+            g.modulatelow = _mm_add_epi16(g.modulatelow, d.modulate);
+            g.modulatehigh = _mm_add_epi16(g.modulatehigh, d.modulate);
+        }
+        if constexpr (rules::add) {
+            g.addlow = _mm_add_epi16(g.addlow, d.addcolour);
+            g.addhigh = _mm_add_epi16(g.addhigh, d.addcolour);
+        }
+        if constexpr (rules::mixed)
+            for (int k = 0; k < 2; ++k) {
+                g.weightlow[k] = _mm_add_epi16(g.weightlow[k], d.weights[k]);
+                g.weighthigh[k] = _mm_add_epi16(g.weighthigh[k], d.weights[k]);
+            }
+        if constexpr (rules::textured) {
+            g.pairs[0] = _mm_add_ps(g.pairs[0], d.pairs);
+            g.pairs[1] = _mm_add_ps(g.pairs[1], d.pairs);
+        }
+    }
+
+    // Colour and depth of a group, aligned to its width in the colour buffer; the depth buffer
+    // shares only the alignment of a group of four.
+    template <class L>
+    [[gnu::always_inline]] static typename L::type loadcolour(const uint32_t* p) {
+        if constexpr (L::pixels == 4) return _mm_load_si128(reinterpret_cast<const __m128i*>(p));
+        else return L::load(p);
+    }
+    template <class L>
+    [[gnu::always_inline]] static void storecolour(uint32_t* p, typename L::type v) {
+        if constexpr (L::pixels == 4) _mm_store_si128(reinterpret_cast<__m128i*>(p), v);
+        else L::store(p, v);
+    }
+    template <class L>
+    [[gnu::always_inline]] static typename L::type loaddepth(const float* q) {
+        if constexpr (L::lanes == 4) return L::load(q);
+        else return L::loadu(q);
+    }
+    template <class L>
+    [[gnu::always_inline]] static void storedepth(float* q, typename L::type v) {
+        if constexpr (L::lanes == 4) L::store(q, v);
+        else L::storeu(q, v);
+    }
+
+    // One group, or two side by side, at colour pixel p and depth q; `lanes` is the part inside the
+    // span, every lane in the body.
+    template <bool whole, class G>
+    [[gnu::always_inline]] static void group(const G& g, uint32_t* p, float* q, typename G::ints lanes,
                                              const texelsource& source, uint32_t blendfactor) {
-        __m128i pass = lanes;
-        __m128 oldz = _mm_setzero_ps();
+        using L = std::conditional_t<std::is_same_v<G, narrow>, lanes4, V>;
+        using FL = std::conditional_t<std::is_same_v<G, narrow>, floats4, F>;
+        using ints = typename G::ints;
+        constexpr int every = (1 << FL::lanes) - 1;
+        ints pass = lanes;
+        typename FL::type oldz = FL::zero();
         if constexpr (rules::test) {
-            oldz = _mm_load_ps(q);
-            pass = _mm_castps_si128(_mm_cmple_ps(g.z, oldz));
-            if constexpr (!whole) pass = _mm_and_si128(pass, lanes);
-            if (_mm_movemask_ps(_mm_castsi128_ps(pass)) == 0) return;
+            oldz = loaddepth<FL>(q);
+            pass = FL::bits(FL::lessequal(g.z, oldz));
+            if constexpr (!whole) pass = L::and_(pass, lanes);
+            if (FL::signs(FL::ofbits(pass)) == 0) return;
         }
         if constexpr (!rules::colour) {
-            if constexpr (rules::zwrite) storez<whole>(q, g.z, oldz, pass);
+            if constexpr (rules::zwrite) storez<whole, FL>(q, g.z, oldz, pass);
             return;
         } else {
-            __m128i old = rules::readsold ? _mm_load_si128(reinterpret_cast<const __m128i*>(p)) : _mm_setzero_si128();
-            __m128i keep = _mm_setzero_si128();
-            __m128i pixels = g.pixels(source, old, blendfactor, keep);
-            if constexpr (rules::texelmask) pass = _mm_andnot_si128(keep, pass);
-            if (whole && ((!rules::test && !rules::texelmask) || _mm_movemask_ps(_mm_castsi128_ps(pass)) == 15)) {
-                _mm_store_si128(reinterpret_cast<__m128i*>(p), pixels);
-                if constexpr (rules::zwrite) _mm_store_ps(q, g.z);
+            ints old = rules::readsold ? loadcolour<L>(p) : L::zero();
+            ints keep = L::zero();
+            const ints pixels = g.pixels(source, old, blendfactor, keep);
+            if constexpr (rules::texelmask) pass = L::andnot(keep, pass);
+            if (whole && ((!rules::test && !rules::texelmask) || FL::signs(FL::ofbits(pass)) == every)) {
+                storecolour<L>(p, pixels);
+                if constexpr (rules::zwrite) storedepth<FL>(q, g.z);
                 return;
             }
-            if constexpr (!rules::readsold) old = _mm_load_si128(reinterpret_cast<const __m128i*>(p));
-            _mm_store_si128(reinterpret_cast<__m128i*>(p),
-                            _mm_or_si128(_mm_and_si128(pass, pixels), _mm_andnot_si128(pass, old)));
-            if constexpr (rules::zwrite) storez<false>(q, g.z, oldz, pass);
+            if constexpr (!rules::readsold) old = loadcolour<L>(p);
+            storecolour<L>(p, L::or_(L::and_(pass, pixels), L::andnot(pass, old)));
+            if constexpr (rules::zwrite) storez<false, FL>(q, g.z, oldz, pass);
         }
     }
 
-    template <bool whole>
-    [[gnu::always_inline]] static void storez(float* q, __m128 z, __m128 oldz, __m128i pass) {
-        if (whole && _mm_movemask_ps(_mm_castsi128_ps(pass)) == 15) return _mm_store_ps(q, z);
-        __m128 on = _mm_castsi128_ps(pass);
-        _mm_store_ps(q, _mm_or_ps(_mm_and_ps(on, z), _mm_andnot_ps(on, oldz)));
+    template <bool whole, class FL>
+    [[gnu::always_inline]] static void storez(float* q, typename FL::type z, typename FL::type oldz,
+                                              decltype(FL::bits(z)) pass) {
+        const typename FL::type on = FL::ofbits(pass);
+        if (whole && FL::signs(on) == (1 << FL::lanes) - 1) return storedepth<FL>(q, z);
+        storedepth<FL>(q, FL::or_(FL::and_(on, z), FL::andnot(on, oldz)));
     }
 
-    [[gnu::always_inline]] static void next(uint32_t*& p, float*& q) {
-        if constexpr (rules::colour) p += 4;
-        if constexpr (rules::test) q += 4;
+    [[gnu::always_inline]] static void next(uint32_t*& p, float*& q, int pixels) {
+        if constexpr (rules::colour) p += pixels;
+        if constexpr (rules::test) q += pixels;
+    }
+
+    // `pairs` pairs of body groups from the group that g holds, its colour 32-byte aligned, two
+    // at a time; g is left at the group after them. Float interpolants still take one step a
+    // group, so that every lane has the value a group at a time gives it.
+    [[gnu::always_inline]] static void widebody(narrow& g, const spansteps& d, uint32_t*& p, float*& q, int pairs,
+                                                const texelsource& source, uint32_t blendfactor) {
+        // The ground's layered members are built at four lanes only.
+        static_assert(!rules::mixed);
+        if (pairs <= 0) return;
+        wide w;
+        const __m128i modulate2 = _mm_slli_epi16(d.modulate, 1), add2 = _mm_slli_epi16(d.addcolour, 1);
+        if constexpr (rules::colour) {
+            w.modulatelow = V::pair(g.modulatelow, _mm_add_epi16(g.modulatelow, d.modulate));
+            w.modulatehigh = V::pair(g.modulatehigh, _mm_add_epi16(g.modulatehigh, d.modulate));
+        }
+        if constexpr (rules::add) {
+            w.addlow = V::pair(g.addlow, _mm_add_epi16(g.addlow, d.addcolour));
+            w.addhigh = V::pair(g.addhigh, _mm_add_epi16(g.addhigh, d.addcolour));
+        }
+        for (int k = 0; k < pairs; ++k) {
+            const __m128 z = _mm_add_ps(g.z, d.z);
+            w.z = F::pair(g.z, z);
+            g.z = _mm_add_ps(z, d.z);
+            if constexpr (rules::textured)
+                for (int i = 0; i < 2; ++i) {
+                    const __m128 uv = _mm_add_ps(g.pairs[i], d.pairs);
+                    w.pairs[i] = F::pair(g.pairs[i], uv);
+                    g.pairs[i] = _mm_add_ps(uv, d.pairs);
+                }
+            group<true>(w, p, q, V::set32(-1), source, blendfactor);
+            next(p, q, 8);
+            if constexpr (rules::colour) {
+                w.modulatelow = V::add16(w.modulatelow, V::widen(modulate2));
+                w.modulatehigh = V::add16(w.modulatehigh, V::widen(modulate2));
+            }
+            if constexpr (rules::add) {
+                w.addlow = V::add16(w.addlow, V::widen(add2));
+                w.addhigh = V::add16(w.addhigh, V::widen(add2));
+            }
+        }
+        if constexpr (rules::colour) g.modulatelow = V::low(w.modulatelow), g.modulatehigh = V::low(w.modulatehigh);
+        if constexpr (rules::add) g.addlow = V::low(w.addlow), g.addhigh = V::low(w.addhigh);
     }
 
     [[gnu::noinline]] static void draw(rasterspan* s) {
@@ -225,6 +321,12 @@ struct spanframe {
         __m128 weights = rules::mixed ? _mm_load_ps(s->weights) : _mm_setzero_ps();
         const __m128 weightstep = rules::mixed ? _mm_load_ps(s->weightstep) : _mm_setzero_ps();
         int y = s->y;
+        // The first pixel of the current row in each buffer; the clip's left end is tested once a
+        // row, since a row rarely starts left of it.
+        uint32_t* colourrow = rules::colour ? colourbase + y * stride : nullptr;
+        float* depthrow = rules::test ? depthbase + y * stride : nullptr;
+        const int left = std::max(viewx, clipx);
+        const uintptr_t rowbytes = static_cast<uintptr_t>(stride) * 4;
 
         for (int row = 0; row < s->rows; ++row, ++y) {
             // Both ends by the current rounding; the right end is exclusive. The reciprocal is of the
@@ -235,69 +337,102 @@ struct spanframe {
             const float inv = spanlanes::reciprocal(static_cast<float>(static_cast<int>(unsigned(xr) - unsigned(xl))));
             xr = std::min(xr, right);
             float skip = 0.0f;
-            if (xl < viewx) {
-                skip = static_cast<float>(viewx) - static_cast<float>(xl);
-                xl = viewx;
+            if (__builtin_expect(xl < left, 0)) {
+                if (xl < viewx) {
+                    skip = static_cast<float>(viewx) - static_cast<float>(xl);
+                    xl = viewx;
+                }
+                if (xl < clipx) {
+                    skip += static_cast<float>(clipx) - static_cast<float>(xl);
+                    xl = clipx;
+                }
             }
-            if (xl < clipx) {
-                skip += static_cast<float>(clipx) - static_cast<float>(xl);
-                xl = clipx;
-            }
-            if (static_cast<long long>(xr) - xl > 0) {
+            if ((rules::colour || rules::test) && xr > xl) {
                 const int n = xr - xl;
-                const long offset = y * stride + xl;
-                // Both buffers have the same alignment; the walk that stores nothing has neither.
-                const uintptr_t address = rules::colour ? reinterpret_cast<uintptr_t>(colourbase + offset)
-                                          : rules::test ? reinterpret_cast<uintptr_t>(depthbase + offset)
-                                                        : 0;
-                const int h = static_cast<int>((0 - (address >> 2)) & 3);  // pixels up to the next group
-                const int b = h ? 4 - h : 0;                               // lane of the first pixel
+                uint32_t* p = rules::colour ? colourrow + xl : nullptr;
+                float* q = rules::test ? depthrow + xl : nullptr;
+                // The next row lies about here; its lines load while this row is drawn. The address
+                // is reckoned as a number, as below the last row there is no buffer.
+                auto below = [&](const void* at) {
+                    _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<uintptr_t>(at) + rowbytes), _MM_HINT_T0);
+                };
+                if constexpr (rules::colour) below(p);
+                if constexpr (rules::test) below(q);
+                // Both buffers have the same alignment, so one address gives the lane of the first
+                // pixel in its group.
+                const int b = static_cast<int>(
+                    (reinterpret_cast<uintptr_t>(rules::colour ? static_cast<void*>(p) : static_cast<void*>(q)) >> 2) & 3);
+                const int h = (4 - b) & 3;  // pixels up to the next group
                 const int hc = std::min(h, n), m = (n - hc) >> 2, t = n - 4 * m - hc;
+                if constexpr (rules::colour) p -= b;
+                if constexpr (rules::test) q -= b;
 
-                spangroup<M> g;
+                narrow g;
+                spansteps d;
                 const float zl = _mm_cvtss_f32(_mm_shuffle_ps(edge, edge, 1));
                 const float dz = (_mm_cvtss_f32(_mm_shuffle_ps(edge, edge, 3)) - zl) * inv;
                 const float z0 = dz * skip + zl;
                 const float zfirst = spanlanes::firstz(z0, dz, b);
                 g.z = _mm_add_ps(_mm_set1_ps(zfirst), _mm_mul_ps(_mm_setr_ps(0.0f, 1.0f, 2.0f, 3.0f), _mm_set1_ps(dz)));
-                g.zstep4 = _mm_mul_ps(_mm_set1_ps(4.0f), _mm_set1_ps(dz));
+                d.z = _mm_mul_ps(_mm_set1_ps(4.0f), _mm_set1_ps(dz));
                 const __m128 invs = _mm_set1_ps(inv), skips = _mm_set1_ps(skip);
-                if constexpr (rules::colour) g.modulate = {spanlanes::colourrow(modulate, invs, skips), b};
-                if constexpr (rules::add) g.addcolour = {spanlanes::colourrow(addcolour, invs, skips), b};
+                if constexpr (rules::colour) {
+                    const spanlanes::colourgroup c(spanlanes::colourrow(modulate, invs, skips), b);
+                    g.modulatelow = c.low, g.modulatehigh = c.high, d.modulate = c.step4;
+                }
+                if constexpr (rules::add) {
+                    const spanlanes::colourgroup c(spanlanes::colourrow(addcolour, invs, skips), b);
+                    g.addlow = c.low, g.addhigh = c.high, d.addcolour = c.step4;
+                }
                 if constexpr (rules::mixed)
                     for (int k = 0; k < 2; ++k) {
                         // Weight k of the left end and of the right end, in every lane.
                         const __m128 l = _mm_shuffle_ps(weights, weights, k * 0x55);
                         const __m128 r = _mm_shuffle_ps(weights, weights, (k + 2) * 0x55);
-                        g.weights[k] = {spanlanes::colourrow(l, r, invs, skips), b};
+                        const spanlanes::colourgroup c(spanlanes::colourrow(l, r, invs, skips), b);
+                        g.weightlow[k] = c.low, g.weighthigh[k] = c.high, d.weights[k] = c.step4;
                     }
                 if constexpr (rules::textured) {
                     // u and v at the first pixel, then per pixel of a pair and per pair.
-                    __m128 d = _mm_mul_ps(_mm_sub_ps(_mm_movehl_ps(uv, uv), uv), invs);
-                    d = _mm_movelh_ps(d, d);
-                    __m128 start = _mm_add_ps(uv, _mm_mul_ps(skips, d));
-                    start = _mm_sub_ps(_mm_movelh_ps(start, start), _mm_mul_ps(_mm_set1_ps(static_cast<float>(b)), d));
-                    g.pairs[0] = _mm_movelh_ps(start, _mm_add_ps(start, d));
-                    g.pairs[1] = _mm_add_ps(g.pairs[0], _mm_mul_ps(_mm_set1_ps(2.0f), d));
-                    g.pairstep4 = _mm_mul_ps(_mm_set1_ps(4.0f), d);
+                    __m128 du = _mm_mul_ps(_mm_sub_ps(_mm_movehl_ps(uv, uv), uv), invs);
+                    du = _mm_movelh_ps(du, du);
+                    __m128 start = _mm_add_ps(uv, _mm_mul_ps(skips, du));
+                    start = _mm_sub_ps(_mm_movelh_ps(start, start), _mm_mul_ps(_mm_set1_ps(static_cast<float>(b)), du));
+                    g.pairs[0] = _mm_movelh_ps(start, _mm_add_ps(start, du));
+                    g.pairs[1] = _mm_add_ps(g.pairs[0], _mm_mul_ps(_mm_set1_ps(2.0f), du));
+                    d.pairs = _mm_mul_ps(_mm_set1_ps(4.0f), du);
                 }
 
-                uint32_t* pg = rules::colour ? colourbase + (offset - b) : nullptr;
-                float* qg = rules::test ? depthbase + (offset - b) : nullptr;
                 if (h) {
-                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(b + hc), spanlanes::lanesfrom(b)),
+                    group<false>(g, p, q, spanlanes::lanesbetween(b, b + hc),
                                  source, blendfactor);
-                    g.advance();
-                    next(pg, qg);
+                    advance(g, d);
+                    next(p, q, 4);
                 }
-                for (int i = 0; i < m; ++i, next(pg, qg)) {
-                    group<true>(g, pg, qg, _mm_set1_epi32(-1), source, blendfactor);
-                    g.advance();
+                int i = 0;
+                if constexpr (V::pixels > 4) {
+                    // Two groups at a time from a 32-byte boundary of the colour buffer.
+                    const void* at = rules::colour ? static_cast<void*>(p) : static_cast<void*>(q);
+                    if (m >= 2 && (reinterpret_cast<uintptr_t>(at) & 16)) {
+                        group<true>(g, p, q, _mm_set1_epi32(-1), source, blendfactor);
+                        advance(g, d);
+                        next(p, q, 4);
+                        i = 1;
+                    }
+                    const int pairs = (m - i) >> 1;
+                    widebody(g, d, p, q, pairs, source, blendfactor);
+                    i += 2 * pairs;
+                }
+                for (; i < m; ++i, next(p, q, 4)) {
+                    group<true>(g, p, q, _mm_set1_epi32(-1), source, blendfactor);
+                    advance(g, d);
                 }
                 if (t)
-                    group<false>(g, pg, qg, _mm_andnot_si128(spanlanes::lanesfrom(t), _mm_set1_epi32(-1)), source,
+                    group<false>(g, p, q, spanlanes::lanesbetween(0, t), source,
                                  blendfactor);
             }
+            if constexpr (rules::colour) colourrow += stride;
+            if constexpr (rules::test) depthrow += stride;
             edge = _mm_add_ps(edge, edgestep);
             if constexpr (rules::colour) modulate = _mm_add_epi16(modulate, modulatestep);
             if constexpr (rules::add) addcolour = _mm_add_epi16(addcolour, addcolourstep);
@@ -313,5 +448,5 @@ struct spanframe {
     }
 };
 
-template <spanmember M>
-inline constexpr spanfunction drawspan = &spanframe<M>::draw;
+template <spanmember M, class V, class F>
+inline constexpr spanfunction drawspan = &spanframe<M, V, F>::draw;

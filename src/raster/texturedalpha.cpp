@@ -1,3 +1,3 @@
 #include "raster/memberfile.h"
 
-constinit const texturedfile<alphamode::alpha> alphamembers = buildmembers<texturedfile<alphamode::alpha>>();
+constinit const texturedfile<alphamode::alpha> alphamembers = buildmembers<texturedfile<alphamode::alpha>, lanes4, floats4>();

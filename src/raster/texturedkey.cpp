@@ -1,3 +1,3 @@
 #include "raster/memberfile.h"
 
-constinit const texturedfile<alphamode::key> keymembers = buildmembers<texturedfile<alphamode::key>>();
+constinit const texturedfile<alphamode::key> keymembers = buildmembers<texturedfile<alphamode::key>, lanes4, floats4>();

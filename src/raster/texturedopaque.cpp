@@ -1,3 +1,3 @@
 #include "raster/memberfile.h"
 
-constinit const texturedfile<alphamode::opaque> opaquemembers = buildmembers<texturedfile<alphamode::opaque>>();
+constinit const texturedfile<alphamode::opaque> opaquemembers = buildmembers<texturedfile<alphamode::opaque>, lanes4, floats4>();

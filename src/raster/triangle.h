@@ -83,7 +83,7 @@ struct vertexfloats {
 
 }  // namespace trianglelanes
 
-template <trianglemember M>
+template <trianglemember M, class V, class F>
 struct triangleframe {
     static constexpr spanmember span = spanof(M);
     static constexpr bool colour = M.get<shading>() != shading::colourless;
@@ -233,7 +233,7 @@ struct triangleframe {
         long long skip2 = 0, lower = static_cast<long long>(yb) - ym;
         if (rows > 0) {
             s.rows = static_cast<int>(rows);
-            drawspan<span>(&s);
+            drawspan<span, V, F>(&s);
         } else {
             skip2 = -rows;
             lower += rows;
@@ -263,9 +263,9 @@ struct triangleframe {
         if constexpr (textured) uvs.lower(s.uv, s.uvstep, right, skips2);
         if constexpr (mixed) weights.lower(s.weights, s.weightstep, right, skips2);
         s.rows = static_cast<int>(rows);
-        drawspan<span>(&s);
+        drawspan<span, V, F>(&s);
     }
 };
 
-template <trianglemember M>
-inline constexpr trianglefunction drawtriangle = &triangleframe<M>::draw;
+template <trianglemember M, class V, class F>
+inline constexpr trianglefunction drawtriangle = &triangleframe<M, V, F>::draw;

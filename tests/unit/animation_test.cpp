@@ -1,6 +1,5 @@
-// Animation steps against the rules over random models, groups, masks and frames: the pivot, the
-// moves of selected vertices in each entry's order, normals and their refusal after the vertices
-// moved, alphas and colours of faces, and the folded frame.
+// Animation steps against the rules over random models, groups, masks and frames: the pivot, moves of
+// the selected vertices in each entry's order, normals and their refusal, face alphas and colours.
 #include "model/animation.h"
 #include "motiontest.h"
 

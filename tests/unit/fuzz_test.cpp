@@ -23,6 +23,7 @@
 #include "model/render.h"
 #include "modelreference.h"
 #include "modeltest.h"
+#include "raster/raster.h"
 #include "shapereference.h"
 #include "sprite/drawscaled.h"
 #include "sprite/drawsprite.h"
@@ -547,9 +548,10 @@ bool grounds(fuzzcase& c) {
     static const std::unique_ptr<texturestore, void (*)(texturestore*)> store(maketexturestore(256),
                                                                               destroytexturestore);
     static const std::vector<uint32_t> texels(128 * 128, 0xFF8040C0u);
-    for (int id = 0; id < 256; ++id)
-        store->descriptors[id] = {.type = uint8_t(id % 10), .blend = uint8_t(id), .bright = uint8_t(id * 3),
-                                  .hidden = id % 7 == 0};
+    for (int id = 0; id < 256; ++id) {
+        texturedescriptor& d = store->descriptors[id] = {};
+        d.type = uint8_t(id % 10), d.blend = uint8_t(id), d.bright = uint8_t(id * 3), d.hidden = id % 7 == 0;
+    }
     clientscene s(c);
     s.host.t.textures = store.get();
     s.host.load = [](int id) { return id < 200 && (loadtexture(*store, id, store->descriptors[id], texels.data()), 1); };
@@ -592,6 +594,47 @@ bool grounds(fuzzcase& c) {
     }
     (*slot)->drawmap(*g, x, z, c.real(-10, 30), c.real(-10, 30), c.onein(8) ? c.real(-1e6f, 1e6f) : c.real(2, 20));
     EXPECT_EQ(pool.verify(), nullptr);
+    return s.check(true);
+}
+
+// Raster triangles of every member the buffers allow, their corners, depths and texel coordinates
+// ordinary, huge, infinite or undefined, drawn without the accept test: besides what any client
+// draw keeps to, nothing changes outside the viewport, and no texel is read past the texture's
+// last row, which lies against an inaccessible page.
+bool triangles(fuzzcase& c) {
+    static const guarded<uint32_t> texels(127 * 256 + 128, placement::atend);
+    clientscene s(c);
+    const bool colour = s.g.t.colourbuffer, depth = s.g.t.depthbuffer;
+    const float w = static_cast<float>(s.g.t.width), h = static_cast<float>(s.g.t.height);
+    auto any = [&](float low, float high) {
+        return c.onein(12) ? std::array{NAN, INFINITY, -INFINITY, 1e30f, -3e9f, 3e9f}[c.below(6)] : c.real(low, high);
+    };
+    rastertriangle t{};
+    for (int v = 0; v < 3; ++v) {
+        // Now and then a corner's x or y repeats the last one's, for edges of no width or height.
+        for (int k = 0; k < 2; ++k) t.position[v][k] = v && c.onein(6) ? t.position[v - 1][k] : any(-w, 2 * (k ? h : w));
+        t.position[v][2] = t.position[v][3] = any(-0.5f, 1.5f);
+        for (int k = 0; k < 4; ++k) t.colour[v][k] = static_cast<uint16_t>(c()), t.uv[v][k] = any(-300.0f, 300.0f);
+        t.shadefactor[v] = c.real(0.0f, 1.0f), t.shadetint[v] = c.real(0.0f, 65280.0f);
+    }
+    t.blendfactor = c.below(256) * 0x10001u;
+    t.texels[0] = texels.get();
+    rasterstate.fogstart = c.real(-1.0f, 1.0f), rasterstate.fogscale = c.real(0.0f, 4.0f);
+    const trianglefunction draw =
+        c.onein(4) ? rawtriangle(colour, depth)
+                   : choosetriangle(recipe(c.below(4)), c.below(2) ? shading::textured : shading::gouraud,
+                                    alphamode(c.below(3)), wrapmode(c.below(2)), blended(c.below(2)), colour, depth);
+    if (!draw) return false;
+    c.note("triangle", t.position[0][0], t.position[0][1], t.position[1][0], t.position[1][1], t.position[2][0],
+           t.position[2][1]);
+    draw(&t);
+    const int* v = rasterstate.viewport;
+    for (int i = 0; i < s.g.pixels(); ++i) {
+        const long long x = i % s.g.t.width, y = i / s.g.t.width;
+        const bool changed = s.g.colour[i] != s.colours[i] || memcmp(&s.g.depth[i], &s.depths[i], 4);
+        EXPECT_TRUE(!changed || (x >= v[0] && y >= v[1] && x < v[0] + 0LL + v[2] && y < v[1] + 0LL + v[3]))
+            << "changed " << x << "," << y << " outside the viewport";
+    }
     return s.check(true);
 }
 
@@ -671,6 +714,7 @@ const fuzzfamily families[] = {
     {"fonts", 1500, fonts},
     {"particles", 10000, particles},
     {"thicklines", 20000, thicklines},
+    {"triangles", 100000, triangles},
     {"models", 4000, models},
     {"grounds", 6000, grounds},
 };

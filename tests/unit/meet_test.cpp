@@ -1,6 +1,5 @@
-// Models that meet: shared light against its sums of touching vertices, hit tests against the
-// projected box and the faces' screen rectangles, and shadow outlines against the projected box,
-// the faces that count and the cells of each triangle fill, over random models.
+// Models that meet, over random models: shared light against the sums of touching vertices, hit tests
+// against the projected box and faces' screen rectangles, shadow outlines against the cells of each fill.
 #include <bit>
 
 #include "model/picking.h"
@@ -10,7 +9,6 @@
 #include "motiontest.h"
 #include "rasterreference.h"
 #include "toolkit/projection.h"
-#include "toolkit/view.h"
 
 namespace {
 
@@ -61,9 +59,7 @@ TEST_F(meet, touchingverticessumeachothersnormals) {
 
 // Hits by the box alone and by faces, through a camera on random models.
 TEST_F(meet, hitsfollowtherules) {
-    alignas(16) const float view[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-    alignas(16) const float projection[16] = {1.5f, 0, 0, 0, 0, 1.5f, 0, 0, 0, 0, 1.001f, 1, 0, 0, -2.001f, 0};
-    setviewport(0, 0, 64, 48, 0.0f, 1.0f), setviewmatrix(t, view), setprojectionmatrix(t, projection);
+    randomscene(t, *store, rng), setviewport(0, 0, 64, 48, 0.0f, 1.0f);  // a camera down z; its lights do not count
     for (int round = 0; round < 400 && !HasFailure(); ++round) {
         std::unique_ptr<model> m = randommodel(0xFFFFF);
         alignas(16) float matrix[16] = {}, mvp[16];

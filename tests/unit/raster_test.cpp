@@ -77,22 +77,23 @@ TEST_F(raster, everymembermatchesthereference) {
     for (int i = 0; i < 3 * 128 * 256; ++i)
         texels[i] = rng() % 2 ? rng.pixel() : anyof(rng, {0, 0xFF000000u, 0x00FFFFFF});
     for (int i = 0; i < 256 * 256; ++i) shadowmap[i] = static_cast<uint8_t>(rng() % 4 ? rng() : anyof(rng, {0, 255}));
-    for (const trianglemember& m : trianglemembers)
-        for (int c = 0; c < 200; ++c) {
-            testrng rng(static_cast<uint64_t>(c) * 1000 + indexof(trianglemembers, m));
-            const rastertriangle t = scene(rng, colour, depths, texels.get(), shadowmap.get());
-            const float *a = t.position[0], *b = t.position[1], *d = t.position[2];
-            ASSERT_EQ(accepttriangle(a, b, d), rasterreference::accept(a, b, d)) << "case " << c;
-            rasterstate.targetcolour = colour[0].get(), rasterstate.targetdepth = depths[0].get();
-            trianglefor(m)(&t);
-            rasterstate.targetcolour = colour[1].get(), rasterstate.targetdepth = depths[1].get();
-            rasterreference::triangle(m, t);
-            ASSERT_TRUE(colour[0].intact() && depths[0].intact()) << m.name() << ", case " << c;
-            for (int i = 0; i < pixels; ++i)
-                ASSERT_TRUE(colour[0][i] == colour[1][i] && !memcmp(&depths[0][i], &depths[1][i], 4))
-                    << m.name() << ", case " << c << ", pixel " << i % width << ", " << i / width << std::hex << ": "
-                    << colour[0][i] << " " << depths[0][i] << ", expected " << colour[1][i] << " " << depths[1][i];
-        }
+    for (lanewidth lanes : runnablewidths())
+        for (const trianglemember& m : trianglemembers)
+            for (int c = 0; c < 100; ++c) {
+                testrng rng(static_cast<uint64_t>(c) * 1000 + indexof(trianglemembers, m));
+                const rastertriangle t = scene(rng, colour, depths, texels.get(), shadowmap.get());
+                const float *a = t.position[0], *b = t.position[1], *d = t.position[2];
+                ASSERT_EQ(accepttriangle(a, b, d), rasterreference::accept(a, b, d)) << "case " << c;
+                rasterstate.targetcolour = colour[0].get(), rasterstate.targetdepth = depths[0].get();
+                trianglefor(m, lanes)(&t);
+                rasterstate.targetcolour = colour[1].get(), rasterstate.targetdepth = depths[1].get();
+                rasterreference::triangle(m, t);
+                ASSERT_TRUE(colour[0].intact() && depths[0].intact()) << m.name() << ", case " << c;
+                for (int i = 0; i < pixels; ++i)
+                    ASSERT_TRUE(colour[0][i] == colour[1][i] && !memcmp(&depths[0][i], &depths[1][i], 4))
+                        << m.name() << " in " << axisnames(lanes)[size_t(lanes)] << ", case " << c << ", pixel " << i % width << ", " << i / width << std::hex << ": "
+                        << colour[0][i] << " " << depths[0][i] << ", expected " << colour[1][i] << " " << depths[1][i];
+            }
 }
 
 // A particle's square covers exactly its part of the viewport and clip, in colour through a
