@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "ground/slice.h"
 #include "ground/tile.h"
 #include "ground/tileshade.h"
 #include "raster/raster.h"
@@ -160,6 +161,7 @@ void complexground::draw(toolkit& t, ground& g, int x, int z) {
     for (int k = 0; k < gouraudfaces + 1; ++k) total += facecounts[k];
     if (total == 0) return;
     tiledraw d(t, g, *this, x, z);
+    refreshslice(t, g, *this, x, z);
     if (!rasterstate.targetcolour) return drawdepth(d, total);
     if (t.fogoverride) {
         // The tile's colour lasts until its first face sets the shade colour of its own.

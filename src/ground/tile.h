@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "ground/ground.h"
+#include "toolkit/shadowmask.h"
 #include "util/memory/allocatedmemory.h"
 
 // Tile flags.
@@ -27,6 +28,8 @@ public:
     genericground(const genericground&) = delete;
     genericground& operator=(const genericground&) = delete;
 
+    // Paints the faces of the tile at (x, z) into a mask of the tile's cells of the shadow map.
+    virtual void paintfootprint(ground& g, int x, int z, shadowmask& mask) = 0;
     // Draws the tile at (x, z) of the ground into the current target.
     virtual void draw(toolkit& t, ground& g, int x, int z) = 0;
     // Draws the tile flat for a map, `step` pixels a side, its near left corner at (mx, fy).
@@ -49,6 +52,7 @@ public:
 
 class complexground : public genericground {
 public:
+    void paintfootprint(ground& g, int x, int z, shadowmask& mask) override;
     void draw(toolkit& t, ground& g, int x, int z) override;
     void drawmap(ground& g, int x, int z, float mx, float fy, float step) override;
 

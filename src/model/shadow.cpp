@@ -49,9 +49,8 @@ shadowmask* modelshadow(model& m, const toolkit& t, shadowmask* given) {
         if (!m.facealphas.empty() && m.facealphas[f] == 255) continue;
         if (!m.facetypes.empty() && m.facetypes[f] == 2) continue;
         const int a = m.facea[f], b = m.faceb[f], c = m.facec[f];
-        if ((row[b] - row[c]) * (column[a] - column[b]) - (row[b] - row[a]) * (column[c] - column[b]) <= 0) continue;
         const int corners[3][2] = {{column[a], row[a]}, {column[b], row[b]}, {column[c], row[c]}};
-        fillshadowtriangle(*mask, corners);
+        fillfacingtriangle(*mask, corners);
     }
     return mask;
 }

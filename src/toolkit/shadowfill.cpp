@@ -11,18 +11,21 @@
 
 namespace {
 
-// Rows [y, y + rows) between the two edges, each left where its next row starts.
-void fillrows(long long y, long long rows, float& left, float leftstep, float& right, float rightstep) {
+// Rows [y, y + rows) between the two edges, each left where its next row starts. A row runs on
+// into the next at the pitch; cells past the mask's block are not written.
+void fillrows(long long cellcount, long long y, long long rows, float& left, float leftstep, float& right,
+              float rightstep) {
     uint8_t* cells = reinterpret_cast<uint8_t*>(rasterstate.targetcolour);
     const long long pitch = rasterstate.targetstride;
     for (long long end = y + rows; y < end; ++y) {
-        const int from = truncate(left), n = truncate(right) - from;
-        if (n > 0) std::memset(cells + y * pitch + from, 1, static_cast<size_t>(n));
+        const long long from = std::max(y * pitch + truncate(left), 0LL);
+        const long long to = std::min(y * pitch + truncate(right), cellcount);
+        if (to > from) std::memset(cells + from, 1, static_cast<size_t>(to - from));
         left += leftstep, right += rightstep;
     }
 }
 
-void filltriangle(const int corners[3][2]) {
+void filltriangle(long long cellcount, const int corners[3][2]) {
     const int y0 = corners[0][1], y1 = corners[1][1], y2 = corners[2][1];
     int order[3];
     cornerorder(y0, y1, y2, order);
@@ -53,7 +56,7 @@ void filltriangle(const int corners[3][2]) {
     float left = x[0] + skipped * leftstep, right = x[0] + skipped * rightstep;
     long long skip2 = 0, lower = static_cast<long long>(row[2]) - row[1];
     if (rows > 0) {
-        fillrows(y, rows, left, leftstep, right, rightstep);
+        fillrows(cellcount, y, rows, left, leftstep, right, rightstep);
         y += rows;
     } else {
         skip2 = -rows;
@@ -67,7 +70,7 @@ void filltriangle(const int corners[3][2]) {
         right = start, rightstep = mb;
     else
         left = start, leftstep = mb;
-    fillrows(y, rows, left, leftstep, right, rightstep);
+    fillrows(cellcount, y, rows, left, leftstep, right, rightstep);
 }
 
 }  // namespace
@@ -79,8 +82,14 @@ void fillshadowtriangle(shadowmask& mask, const int corners[3][2]) {
     state.targetcolour = reinterpret_cast<uint32_t*>(mask.cells.get());
     state.targetstride = mask.width;
     state.viewport[2] = mask.width;
-    filltriangle(corners);
+    filltriangle(mask.cells.length(), corners);
     state.targetcolour = colour;
     state.targetstride = stride;
     state.viewport[2] = width;
+}
+
+void fillfacingtriangle(shadowmask& mask, const int c[3][2]) {
+    const long long turn = static_cast<long long>(c[1][1] - c[2][1]) * (c[0][0] - c[1][0]) -
+                           static_cast<long long>(c[1][1] - c[0][1]) * (c[2][0] - c[1][0]);
+    if (turn > 0) fillshadowtriangle(mask, c);
 }

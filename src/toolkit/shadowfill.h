@@ -7,3 +7,7 @@
 
 // Sets to 1 the cells of the triangle with integer corners (column, row).
 void fillshadowtriangle(shadowmask& mask, const int corners[3][2]);
+
+// The same for a triangle turned up, its corners running the way a visible face does; others are
+// passed over.
+void fillfacingtriangle(shadowmask& mask, const int corners[3][2]);
