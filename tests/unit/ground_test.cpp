@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "groundreference.h"
+#include "ground/shadows.h"
 #include "groundtest.h"
 #include "guarded.h"
 #include "toolkit/view.h"
@@ -59,7 +60,12 @@ TEST_F(groundtest, tilesandmapsmatchthereference) {
     for (int round = 0; round < 600 && !HasFailure(); ++round) {
         const int ts = 64 << rng.below(2), sizex = rng.onein(8) ? 1 : 4 + rng.below(6);
         const int x = rng.below(sizex), z = rng.below(sizex), kind = rng.onein(3) ? 1 + rng.below(2) : 0;
-        std::unique_ptr<ground> g = randomground(sizex, sizex, ts, rng.below(2) * GF_BLENDMARK | rng.below(2) * GF_PLAIN);
+        std::unique_ptr<ground> g = randomground(sizex, sizex, ts, rng.below(2) * GF_BLENDMARK | rng.below(2) * GF_PLAIN | GF_SHADOWMAP);
+        // Footprints about the tile, or none, so that it draws with a slice or without.
+        for (int k = rng.below(2) * 6; k > 0; --k) {
+            const standing f = randomfootprint(rng, tilepool, *g);
+            changeshadows(*g, *f.mask, x * ts + f.x % ts, f.y, z * ts + f.z % ts, false);
+        }
         randomhosttile h(rng, ts, 1 + rng.below(30), texturecount);
         std::unique_ptr<complexground> tile(buildtile(*g, x, z, h.s));
         // A camera tilted over the tile, near or far, with random light, fog, clip and target.

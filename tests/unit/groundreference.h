@@ -207,7 +207,9 @@ inline bool draw(toolkit& t, const ground& g, const complexground& tile, int x, 
                 }
                 face.blendfactor = 0x009B009B;
                 const bool blend = !shade && k >= 2 && (g.flags & GF_BLENDMARK) && (r[0]->type == 4 || r[0]->type == 8 || r[0]->type == 9);
-                m = groundtriangle({fold, layers(3 - k), blend ? blended::yes : blended::no, shadowed::no});
+                face.shadowmap = tile.shadowmap, face.shadowshift[0] = uint64_t(tile.shadowshift);
+                m = groundtriangle({fold, layers(3 - k), blend ? blended::yes : blended::no,
+                                    tile.shadowmap ? shadowed::yes : shadowed::no});
             }
             rasterreference::triangle(m, face);
         }

@@ -14,21 +14,6 @@ namespace {
 
 using namespace shadowreference;
 
-// Footprints of random cells and rectangles, wider and taller than their cells or empty, standing
-// anywhere on the ground and past each of its edges.
-struct standing {
-    std::unique_ptr<shadowmask> mask;
-    int x, y, z;
-};
-standing randomfootprint(testrng& r, memorymanager& pool, const ground& g) {
-    auto m = std::make_unique<shadowmask>(pool, 1 + r.below(40), 1 + r.below(40));
-    for (int i = 0; i < m->cells.length(); ++i) m->cells[i] = r.onein(3) ? r.byte() : 0;
-    m->x = r.between(-30, 10), m->y = r.between(-30, 10);
-    m->usedwidth = r.between(-2, m->width + 3), m->usedheight = r.between(-2, m->height + 3);
-    auto along = [&](int tiles) { return r.between(-g.tilesize, (tiles + 1) * g.tilesize); };
-    return {std::move(m), along(g.sizex), r.between(-200, 200), along(g.sizez)};
-}
-
 TEST_F(groundtest, footprintsandslicesfollowtherules) {
     for (int round = 0; round < 200 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
