@@ -50,13 +50,13 @@ int tiltangle(int high, int low, int span, int limit) {
 }
 
 // Tilts the model to the slope under the rectangle that `p` gives round (x, z), and sets it on
-// the ground. A rectangle reaching off the ground leaves the model alone.
-void tilt(model& m, int p, const ground& g, int x, int y, int z) {
+// the ground. A rectangle reaching off the ground leaves the model alone, its bounds too: false.
+bool tilt(model& m, int p, const ground& g, int x, int y, int z) {
     const int width = (p & 0xFF) * 4, length = ((p >> 8) & 0xFF) * 4;
     const int maxtiltx = (p >> 10) & 0x3FC0, maxtiltz = (p >> 18) & 0x3FC0;
     const int hw = width / 2, hl = length / 2;
-    if (x - hw < 0 || x + hw + g.tilesize >= g.sizex << g.tileshift) return;
-    if (z - hl < 0 || z + hl + g.tilesize >= g.sizez << g.tileshift) return;
+    if (x - hw < 0 || x + hw + g.tilesize >= g.sizex << g.tileshift) return false;
+    if (z - hl < 0 || z + hl + g.tilesize >= g.sizez << g.tileshift) return false;
     const int h00 = groundheight(g, x - hw, z - hl), h10 = groundheight(g, x + hw, z - hl);
     const int h01 = groundheight(g, x - hw, z + hl), h11 = groundheight(g, x + hw, z + hl);
     if (length != 0) {
@@ -69,6 +69,7 @@ void tilt(model& m, int p, const ground& g, int x, int y, int z) {
     }
     const int d = (std::min(h10 + h01, h00 + h11) >> 1) - y;
     if (d != 0) translatemodel(m, 0, d, 0);
+    return true;
 }
 
 // Moves the y of each vertex by `move`, which gives false to leave it: every used vertex, and each
@@ -120,7 +121,7 @@ void fitmodel(model& m, int mode, int p, const ground& g, const ground* second, 
             }, inside(1));
             break;
         case 3:
-            tilt(m, p, g, x, y, z);
+            if (!tilt(m, p, g, x, y, z)) return;
             break;
         case 4:
             movevertices(m, x, z, [&](float& vy, int wx, int wz) {
