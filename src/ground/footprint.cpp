@@ -16,7 +16,7 @@ shadowmask* tilefootprint(ground& g, genericground& tile, int x, int z, shadowma
     if (tile.tileflags == 0) return nullptr;
     const int n = g.tilesize >> g.owner->shadowshift;
     shadowmask* mask = given;
-    if (given && given->cells.length() >= n * n)
+    if (given && given->cells.length() >= static_cast<long long>(n) * n)
         std::fill_n(given->cells.get(), given->cells.length(), 0);
     else
         mask = new shadowmask(*g.owner->pool, n, n);

@@ -18,6 +18,8 @@
 #include <vector>
 
 #include "fontreference.h"
+#include "ground/footprint.h"
+#include "ground/shadows.h"
 #include "ground/tile.h"
 #include "ground/upload.h"
 #include "model/render.h"
@@ -556,7 +558,8 @@ bool grounds(fuzzcase& c) {
     s.host.t.textures = store.get();
     s.host.load = [](int id) { return id < 200 && (loadtexture(*store, id, store->descriptors[id], texels.data()), 1); };
     toolkit& t = s.g.t;
-    memorypool pool(1 << 16, &t);
+    // Room for an atlas block of tile slices, which spans every row a span can read.
+    memorypool pool(1 << 18, &t);
     t.pool = &pool, t.shadowshift = 3;
     const int sizex = c.onein(16) ? 0 : 1 + c.below(6), sizez = c.onein(16) ? 0 : 1 + c.below(6),
               tilesize = c.onein(8) ? c.coordinate(1 << 20) : 32 << c.below(3);
@@ -593,6 +596,22 @@ bool grounds(fuzzcase& c) {
         delete e;
     }
     (*slot)->drawmap(*g, x, z, c.real(-10, 30), c.real(-10, 30), c.onein(8) ? c.real(-1e6f, 1e6f) : c.real(2, 20));
+    // Footprints of any placement and size standing anywhere, on the grid, at its edges and far
+    // past them, added and taken, and the tile drawn again with its slice; and the tile's own footprint.
+    for (int k = c.below(4); k > 0; --k) {
+        shadowmask mask(pool, c.below(24), c.below(24));
+        for (int i = 0; i < mask.cells.length(); ++i) mask.cells[i] = uint8_t(c());
+        mask.x = c.coordinate(64), mask.y = c.coordinate(64), mask.usedwidth = c.coordinate(64), mask.usedheight = c.coordinate(64);
+        const int fx = c.onein(4) ? c.coordinate(1 << 30) : c.between(-2, sizex + 2) * ts, fz = c.between(-2, sizez + 2) * ts;
+        c.note("footprint", mask.width, mask.height, mask.x, mask.y, mask.usedwidth, mask.usedheight, "at", fx, fz);
+        changeshadows(*g, mask, fx, c.coordinate(512), fz, c.onein(2));
+    }
+    if (ts >> t.shadowshift <= 1024) delete tilefootprint(*g, **slot, x, z, nullptr);
+    try {
+        (*slot)->draw(t, *g, x, z);
+    } catch (Exception* e) {
+        delete e;
+    }
     EXPECT_EQ(pool.verify(), nullptr);
     return s.check(true);
 }
