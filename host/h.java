@@ -66,5 +66,7 @@ public class h {
 
     // Shadow outline into the given mask or a new one; clone into dest with scratch's blocks
     public native Object ga(aa mask);
+    // Fits the model standing at (x, y, z) to the ground, by mode; modes 4 and 5 need the second ground.
+    public native void pa(int mode, int p, i ground, i ground2, int x, int y, int z);
     public native void BA(h dest, h scratch, int mask, boolean grow, boolean prelight);
 }

@@ -15,6 +15,11 @@ public class i {
     // A tile as parallel arrays, three entries a face; ys, depths, mapcolours and scales may be null.
     public native void ya(int x, int z, int[] xs, int[] ys, int[] zs, int[] depths, int[] colours, int[] mapcolours,
                           int[] textures, int[] scales, int tilecolour, int usedepths, int unused, boolean caster);
+    // A tile's footprint in the mask given or a new one; null for a tile not uploaded.
+    public native Object w(int x, int z, aa mask);
+    // A footprint standing at (x, y, z) added to the shadow map, and taken off it.
+    public native void UA(aa mask, int x, int y, int z);
+    public native void NA(aa mask, int x, int y, int z);
     // Exported under a decorated name only: binding it by this name fails.
     public native int SSEGROUND_GETH(int a, int b);
 }

@@ -56,6 +56,14 @@ class GroundTest {
             t.ba(3, 0);
             client.i(client.nativeid, g.nativeid, 0, 0, 8 << 8, 0, 0, 2, 2, new byte[][] {null, {1, 1}});
             assertEquals(8 * 8, drawn(s));
+            // A tile's footprint comes in the mask given when it is large enough, else in a new one.
+            aa made = (aa) g.w(0, 0, new aa());
+            assertNotNull(made);
+            assertSame(made, g.w(0, 0, made));
+            assertNull(g.w(1, 0, made));
+            g.UA(made, 10, 0, 10);
+            g.NA(null, 10, 0, 10);
+            made.ma(0);
             assertThrows(UnsatisfiedLinkError.class, () -> g.SSEGROUND_GETH(0, 0));
             g.ma();
             assertEquals(0, g.nativeid);
