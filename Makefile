@@ -3,7 +3,7 @@ BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
 
-.PHONY: deps build test test-asan test-size bench demo clean
+.PHONY: deps build test test-asan test-size bench demo golden soak clean
 
 deps:
 	@scripts/install-deps.sh
@@ -31,6 +31,10 @@ bench: build
 demo: build
 	mkdir -p out
 	java -Djava.library.path=$(BUILD) -cp $(BUILD)/host/wexelhost.jar:$(BUILD)/demo/wexeldemo.jar Demo out/demo.png
+
+# Records the scene's golden frames for this processor, after a change that alters pixels on purpose.
+golden: build
+	WEXEL_GOLDEN=write $(BUILD)/tests/jvm/jvm_tests --gtest_filter='golden.*'
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) out

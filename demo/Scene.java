@@ -311,11 +311,11 @@ public final class Scene implements AutoCloseable {
     void overlay(int step) {
         tk.k();
         tk.L();
-        int map = 12 << 8;
+        int cell = StrictMath.max(2, width / 80), side = cell * TILES;
         byte[][] visible = new byte[TILES][TILES];
         for (byte[] row : visible) java.util.Arrays.fill(row, (byte) 1);
-        tk.B(width - 112, 8, 104, 104, 0x80000000, 1);
-        client.i(client.nativeid, ground.nativeid, width - 108, 12, map, 0, 0, TILES, TILES, visible);
+        tk.B(width - side - 12, 8, side + 8, side + 8, 0x80000000, 1);
+        client.i(client.nativeid, ground.nativeid, width - side - 8, 12, cell << 8, 0, 0, TILES, TILES, visible);
         for (int blend = 1; blend < 3; ++blend) ball.Y(ball.nativeid, 12 + blend * 40, height - 44, 0, 0, blend);
         ball.ha(ball.nativeid, 132, height - 60, 48, 48, 1, 0x80FF8040, 1);
         double a = step * 0.15;
