@@ -25,8 +25,12 @@ test-asan: deps
 test-size:
 	@scripts/test-size.sh
 
+# llvmpipe reads its thread count once a process: its two-thread run of the scene's triangles is a
+# process of its own.
 bench: build
 	$(BUILD)/bench/wexel_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+	LP_NUM_THREADS=2 $(BUILD)/bench/wexel_bench --benchmark_filter='llvmpipe/scene' --benchmark_repetitions=5 \
+	  --benchmark_report_aggregates_only=true
 
 demo: build
 	mkdir -p out

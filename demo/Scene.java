@@ -282,11 +282,15 @@ public final class Scene implements AutoCloseable {
         clone.w(2, 0, 0, (int) (400 * StrictMath.sin(step * 0.2 + k)));
         clone.w(1, 0, (int) (6 * StrictMath.sin(step * 0.3 + 2 * k)), 0);
         clone.ka();
+        client.wa(client.nativeid, clone.nativeid, placement(k), null, 0);
+    }
+
+    // Where model k stands: turned about y, on the ground under it.
+    public float[] placement(int k) {
         int[] p = placements[k];
         double yaw = 2 * StrictMath.PI * p[2] / 16384;
         float c = (float) StrictMath.cos(yaw), s = (float) StrictMath.sin(yaw);
-        client.wa(client.nativeid, clone.nativeid,
-                  new float[] {c, 0, -s, 0, 0, 1, 0, 0, s, 0, c, 0, p[0], heightat(p[0], p[1]), p[1], 1}, null, 0);
+        return new float[] {c, 0, -s, 0, 0, 1, 0, 0, s, 0, c, 0, p[0], heightat(p[0], p[1]), p[1], 1};
     }
 
     // Sparks rising from the world's middle in a slow spiral: glows, stars and plain discs.
