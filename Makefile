@@ -40,5 +40,9 @@ demo: build
 golden: build
 	WEXEL_GOLDEN=write $(BUILD)/tests/jvm/jvm_tests --gtest_filter='golden.*'
 
+# Ten thousand frames of the scene under churn; a label of its own, outside `make test`.
+soak: build
+	cd $(BUILD) && ctest -C soak -L soak --output-on-failure
+
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) out

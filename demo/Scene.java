@@ -10,7 +10,10 @@ import java.util.Random;
 public final class Scene implements AutoCloseable {
     // The stages whose time the frame reports.
     public static final String[] STAGES = {"ground", "models", "particles", "2D", "present"};
-    static final int TILES = 8, TILE = 128, WORLD = TILES * TILE, TEXTURES = 8;
+    static final int TILES = 8, TILE = 128, WORLD = TILES * TILE;
+    // Ids from 1 to STAR are the scene's own; those above are spares, more than the texture store
+    // keeps at once, for a host that churns through textures.
+    static final int TEXTURES = 512;
     static final int GRASS = 1, ROCK = 2, SAND = 3, BARK = 4, GLOW = 5, STAR = 6;
 
     public final ja tk;
@@ -22,6 +25,7 @@ public final class Scene implements AutoCloseable {
     final int[][] heights = new int[TILES + 1][TILES + 1];
     i ground;
     final h[] models;
+    final long[] seeds;
     final int[][] placements;  // x, z, yaw (binary angle) of each model
     final h clone = new h(), scratch = new h();
     final a client = new a();
@@ -46,7 +50,7 @@ public final class Scene implements AutoCloseable {
     static int[] texture(int id) {
         int[] p = new int[128 * 128];
         Random noise = new Random(id);
-        int[] base = {0, 0x4E8A2C, 0x7A746A, 0xC8B078, 0x6A4428};
+        int[] base = {0, 0x4E8A2C, 0x7A746A, 0xC8B078, 0x6A4428, 0x808080};
         for (int y = 0; y < 128; ++y)
             for (int x = 0; x < 128; ++x) {
                 double dx = (x - 63.5) / 64, dy = (y - 63.5) / 64, r = StrictMath.hypot(dx, dy);
@@ -58,8 +62,9 @@ public final class Scene implements AutoCloseable {
                 else {
                     int grain = noise.nextInt(48) - 24 + (id == BARK ? (x % 16 < 3 ? -40 : 0) : 0)
                                 + (id == ROCK && ((x >> 4) + (y >> 5)) % 3 == 0 ? -30 : 0);
-                    v = 0xFF000000 | shift(base[id] >> 16, grain) << 16 | shift(base[id] >> 8 & 255, grain) << 8
-                        | shift(base[id] & 255, grain);
+                    int colour = base[StrictMath.min(id, base.length - 1)];
+                    v = 0xFF000000 | shift(colour >> 16, grain) << 16 | shift(colour >> 8 & 255, grain) << 8
+                        | shift(colour & 255, grain);
                 }
                 p[y * 128 + x] = v;
             }
@@ -83,16 +88,18 @@ public final class Scene implements AutoCloseable {
         pool.sa(0, 1 << 22);
         tk.n(pool);
         // Models read their textures' descriptors as they are built.
-        int[] average = {0, 16 << 10 | 4 << 7 | 50, 1 << 7 | 60, 8 << 10 | 3 << 7 | 80, 5 << 10 | 3 << 7 | 40, 0, 0, 0};
+        int[] average = {0, 16 << 10 | 4 << 7 | 50, 1 << 7 | 60, 8 << 10 | 3 << 7 | 80, 5 << 10 | 3 << 7 | 40, 0, 0};
         for (int t = 1; t < TEXTURES; ++t)
-            tk.V(t, average[t], t == GLOW ? 2 : t == STAR ? 1 : 0, 0, 0, 0, false, 0, 0, 0, 0, false, false, false, true, true,
+            tk.V(t, t < average.length ? average[t] : 0, t == GLOW ? 2 : t == STAR ? 1 : 0, 0, 0, 0, false, 0, 0, 0, 0, false, false, false, true, true,
                  0, false, false, 0);
         buildground();
         Random seeds = new Random(15);
         models = new h[6];
+        this.seeds = new long[models.length];
         placements = new int[models.length][];
         for (int k = 0; k < models.length; ++k) {
-            models[k] = lathe(seeds.nextLong(), k == models.length - 1);
+            this.seeds[k] = seeds.nextLong();
+            models[k] = lathe(this.seeds[k], k == models.length - 1);
             int x = 160 + seeds.nextInt(WORLD - 320), z = 160 + seeds.nextInt(WORLD - 320);
             placements[k] = new int[] {x, z, seeds.nextInt(16384)};
         }

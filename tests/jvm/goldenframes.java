@@ -25,6 +25,27 @@ public class goldenframes {
         if (kind == 2) new o().AA(t.nativeid, 0, copy.nativeid, 0, 0, WIDTH, HEIGHT, 0, 0, false, true);
     }
 
+    // A frame of the soak on the canvas: now and then a model destroyed and made again, sparks on
+    // spare textures so that the store evicts and reloads, one model under a changing count of lights.
+    public void churn(int frame) {
+        Scene s = scene;
+        int k = frame / 50 % s.models.length, n = 4;
+        if (frame % 50 == 25) {
+            s.models[k].ma(null);
+            s.models[k] = s.lathe(s.seeds[k], k == s.models.length - 1);
+        }
+        draw(frame % STEPS, 0);
+        short[] textures = new short[n];
+        for (int i = 0; i < n; ++i) textures[i] = (short) (Scene.STAR + 1 + (frame * n + i) % 300);
+        s.client.b(s.client.nativeid, 0, new int[] {512 << 12, -200 << 12, 512 << 12, 400 << 12, -220 << 12, 500 << 12,
+                   600 << 12, -180 << 12, 520 << 12, 450 << 12, -240 << 12, 560 << 12}, new int[] {-1, -1, -1, -1},
+                   new int[] {40960, 40960, 40960, 40960}, textures, n);
+        s.tk.Q(frame % 3, new int[] {300, -120, 300, 400, 0xFFA040, 700, -100, 640, 300, 0x40A0FF}, new float[] {1f, 1f});
+        s.models[k].BA(s.clone, s.scratch, 0x1, false, false);
+        s.client.wa(s.client.nativeid, s.clone.nativeid, s.placement(k), null, 0);
+        s.tk.Q(0, new int[0], new float[0]);
+    }
+
     public void close() {
         scene.tk.PA(scene.canvas);
         sprite.M(sprite.nativeid);
@@ -35,17 +56,15 @@ public class goldenframes {
 
     // 32 bits a pixel kept exactly, so depths go through the same files as colours.
     public static int[] read(String path) throws Exception {
-        File file = new File(path);
-        if (!file.exists()) return null;
-        BufferedImage image = ImageIO.read(file);
+        if (!new File(path).exists()) return null;
+        BufferedImage image = ImageIO.read(new File(path));
         return image.getRGB(0, 0, image.getWidth(), image.getHeight(), null, 0, image.getWidth());
     }
 
     public static void write(String path, int[] pixels) throws Exception {
         BufferedImage image = new BufferedImage(WIDTH, HEIGHT, BufferedImage.TYPE_INT_ARGB);
         image.setRGB(0, 0, WIDTH, HEIGHT, pixels, 0, WIDTH);
-        File file = new File(path);
-        file.getParentFile().mkdirs();
-        ImageIO.write(image, "png", file);
+        new File(path).getParentFile().mkdirs();
+        ImageIO.write(image, "png", new File(path));
     }
 }
