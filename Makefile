@@ -3,7 +3,7 @@ BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
 
-.PHONY: deps build test test-asan test-size bench demo golden soak clean
+.PHONY: deps build test test-asan test-size bench demo golden soak package clean
 
 deps:
 	@scripts/install-deps.sh
@@ -43,6 +43,10 @@ golden: build
 # Ten thousand frames of the scene under churn; a label of its own, outside `make test`.
 soak: build
 	cd $(BUILD) && ctest -C soak -L soak --output-on-failure
+
+# A Debian package of the library and the host jar, written to $(BUILD).
+package: build
+	cd $(BUILD) && cpack
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) out
