@@ -114,28 +114,8 @@ struct groundview {
             }
         // The faces the view draws, as screen triangles with the texture across each tile.
         for (int x = 0; x < side; ++x)
-            for (int z = 0; z < side; ++z) {
-                const complexground& tile = static_cast<const complexground&>(**g->slot(x, z));
-                for (int k = 0; k < 6; k += 3) {
-                    benchvertex v[3];
-                    float p[3][4];
-                    for (int j = 0; j < 3; ++j) {
-                        const groundpoint& w = tile.vertices[tile.faces[k + j]];
-                        _mm_storeu_ps(p[j], projectpoint(_mm_setr_ps(w.x, w.y, w.z, 1), t.viewprojection));
-                        p[j][3] = p[j][2];
-                        v[j] = {p[j][0],
-                                p[j][1],
-                                p[j][2],
-                                (w.x - float(x * tilesize)) * 127.0f / tilesize,
-                                (w.z - float(z * tilesize)) * 127.0f / tilesize,
-                                0xFFC0B0A0};
-                    }
-                    if (!accepttriangle(p[0], p[1], p[2])) continue;
-                    faces.vertices.insert(faces.vertices.end(), v, v + 3);
-                    faces.pixels +=
-                        std::fabs((v[1].x - v[0].x) * (v[2].y - v[0].y) - (v[2].x - v[0].x) * (v[1].y - v[0].y)) / 2;
-                }
-            }
+            for (int z = 0; z < side; ++z)
+                addtiletriangles(faces, static_cast<const complexground&>(**g->slot(x, z)), x, z, tilesize, t);
     }
     ~groundview() { g.reset(), _mm_setcsr(mxcsr), currenttoolkit = nullptr; }
 };
