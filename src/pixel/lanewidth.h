@@ -12,10 +12,6 @@ constexpr std::array<std::string_view, 2> axisnames(lanewidth) { return {"four",
 
 lanewidth widestlanes();
 
-// Holds draws to at most `widest` lanes, or frees them again with lanewidth::eight: how a test
-// in the process compares whole frames of both widths. Nothing in the library calls it.
-void limitlanes(lanewidth widest);
-
 // Every width this processor runs, narrowest first: what tests and benchmarks go through.
 inline std::vector<lanewidth> runnablewidths() {
     if (widestlanes() == lanewidth::eight) return {lanewidth::four, lanewidth::eight};

@@ -137,10 +137,10 @@ TEST(golden, thescenedrawsitsrecordedframes) {
     jobject frames = newobject("goldenframes");
     std::vector<buffer> widest = drawframes(frames);
     expectsame(widest, drawframes(frames), "the same frames drawn again");
-    if (widestlanes() == lanewidth::eight) {
-        limitlanes(lanewidth::four);
+    if (currenttoolkit->lanes == lanewidth::eight) {
+        currenttoolkit->lanes = lanewidth::four;
         std::vector<buffer> four = drawframes(frames);
-        limitlanes(lanewidth::eight);
+        currenttoolkit->lanes = lanewidth::eight;
         expectsame(widest, four, "the four-lane path");
     }
     callvoid(frames, "close", "()V");
