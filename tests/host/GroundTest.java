@@ -47,10 +47,8 @@ class GroundTest {
             g.ya(0, 0, xs, null, zs, null, colours, null, new int[] {300, 300, 300, 300, 300, 300}, null, 0, 0, 0, true);
             g.ya(1, 1, xs, null, zs, null, colours, null, new int[] {-1, -1, -1, -1, -1, -1}, null, 0, 0, 0, false);
             g.SA();
-            // Lights whose modes run short of their squares or are missing, intensities for fewer
-            // lights than are in use or none, and an id that is not there.
-            g.A(1, 32, -100, 32, 40, 0xFFFFFF, new int[] {2});
-            g.A(2, 64, -100, 64, 400, 0xFFFFFF, new int[] {1, 1, 1});
+            // Lights with modes short of their squares or none, intensities for fewer, an unknown id.
+            g.A(1, 32, -100, 32, 400, 0xFFFFFF, new int[] {2, 1});
             g.A(3, 0, 0, 0, 100, 0, null);
             g.t(new float[] {0.5f});
             g.t(null);

@@ -588,19 +588,15 @@ bool grounds(fuzzcase& c) {
     rasterstate.fogstart = c.real(0, 1.5f), rasterstate.fogscale = c.real(-4, 4);
     c.note("ground", sizex, sizez, tilesize, "tile", x, z, "faces", n / 3);
     *slot = buildtile(*g, x, z, h);
-    // Lights on, at and past the grid's edges, of any reach and mode, a 256th among them, with
-    // modes shorter than their squares; then the draw, and removals of known and unknown ids. They
-    // draw on a stream of their own, so that the cases before them stay as they were.
+    // Lights at and past the edges, of any reach and mode, a 256th, modes and intensities short, on
+    // a stream of their own so that the cases stay as they were; after the draws, removals.
     testrng l(0x116A7ull + uint64_t(c.number));
-    std::vector<int32_t> modes(l.below(40));
-    std::vector<float> intensities(l.below(300));
-    for (int32_t& m : modes) m = l.onein(4) ? l.between(-1, 7) : 1;
-    for (float& i : intensities) i = l.real(-2, 2);
-    const int reach = int(std::min(8LL * ts, 1LL << 30));
-    for (int i = l.onein(8) ? 257 : l.below(6); i > 0; --i)
+    std::vector<int32_t> modes(1 + l.below(40), 1);
+    std::vector<float> levels(l.below(300), l.real(-2, 2));
+    for (int i = l.onein(8) ? 257 : l.below(6), reach = int(std::min(8LL * ts, 1LL << 30)); i > 0; --i, modes[0] = l.between(-1, 7))
         addlight(*g, l.below(8), l.coordinate(reach), l.coordinate(500), l.coordinate(reach),
                  l.onein(4) ? l.between(-ts, ts / 2) : l.coordinate(reach / 2), l(), modes.data(), int(modes.size()));
-    setintensities(*g, intensities.data(), int(intensities.size()));
+    setintensities(*g, levels.data(), int(levels.size()));
     try {
         (*slot)->draw(t, *g, x, z);
     } catch (Exception* e) {

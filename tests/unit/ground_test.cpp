@@ -61,17 +61,13 @@ TEST_F(groundtest, tilesandmapsmatchthereference) {
         const int x = rng.below(sizex), z = rng.below(sizex), kind = rng.onein(3) ? 1 + rng.below(2) : 0;
         std::unique_ptr<ground> g = randomground(sizex, sizex, ts, rng.below(2) * GF_BLENDMARK | rng.below(2) * GF_PLAIN);
         randomhosttile h(rng, ts, 1 + rng.below(30), texturecount);
-        genericground*& slot = *g->slot(x, z);
         complexground* uploaded = buildtile(*g, x, z, h.s);
-        slot = uploaded;
-        // Lights round the tile of every mode, some off, that may split it; now and then all taken
-        // off again, which leaves a tile that no light split drawn as before.
-        std::vector<int32_t> modes(9);
-        std::vector<float> levels(6);
-        for (int32_t& m : modes) m = rng.onein(2) ? 1 : rng.below(6);
-        for (float& v : levels) v = rng.onein(4) ? 0.0f : rng.real(-0.1f, 1.3f);
-        for (int i = rng.below(6); i > 0; --i)
-            addlight(*g, i, x * ts + rng.between(-ts, 2 * ts), rng.between(-300, 50), z * ts + rng.between(-ts, 2 * ts),
+        genericground*& slot = *g->slot(x, z) = uploaded;
+        // Lights round the tile of any mode, some off, some cutting it; now and then all taken off.
+        std::vector<int32_t> modes(9, 1);
+        const std::vector<float> levels{0, 0.7f, 1.3f, -0.1f, 0.4f, 1};
+        for (int i = rng.below(6), ts2 = 2 * ts; i > 0; --i, modes[rng.below(9)] = rng.below(6))
+            addlight(*g, i, x * ts + rng.between(-ts, ts2), rng.between(-300, 50), z * ts + rng.between(-ts, ts2),
                      rng.between(ts / 2, 3 * ts), int(rng()), modes.data(), 9);
         setintensities(*g, levels.data(), 6);
         for (int i = 6 * rng.onein(4); i > 0; --i) removelight(*g, i);
