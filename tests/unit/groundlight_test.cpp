@@ -7,15 +7,13 @@
 #include "groundreference.h"
 #include "groundtest.h"
 
-namespace {
-
 TEST_F(groundtest, lightsreachandcuttheirtilesasthereferencewalks) {
     for (int round = 0; round < 150 && !HasFailure(); ++round) {
         const int sizex = 1 + rng.below(6), sizez = 1 + rng.below(6), ts = 64 << rng.below(2), n = 6 + (ts > 64);
         std::unique_ptr<ground> g = randomground(sizex, sizez, ts, 0);
         std::map<genericground**, complexground*> uploaded;
         std::map<genericground**, std::vector<std::array<int, 6>>> lit;  // light, mode, near, right, far, left
-        std::map<genericground**, std::array<int, 3>> cutby;             // mode and tile of the walk
+        std::map<genericground**, std::array<int, 3>> cutby;             // mode and tile of the walk that cut
         for (int x = 0; x < sizex; ++x)
             for (int z = 0; z < sizez; ++z)
                 if (genericground** slot = g->slot(x, z); slot && !*slot && !rng.onein(6))
@@ -42,8 +40,8 @@ TEST_F(groundtest, lightsreachandcuttheirtilesasthereferencewalks) {
         for (int light = 0; light < 8; ++light) {
             const int x = rng.between(-ts, (sizex + 1) * ts), z = rng.between(-ts, (sizez + 1) * ts);
             const int y = rng.between(-300, 100), radius = rng.between(0, 3 * ts), r = radius - ts / 2;
-            std::vector<int32_t> modes(rng.below(40));
-            for (int32_t& m : modes) m = rng.onein(3) ? rng.below(6) : 1;
+            std::vector<int32_t> modes(rng.below(40), 1);
+            for (int32_t& m : modes) m = rng.onein(3) ? rng.below(6) : m;
             for (int tz = (z - r) >> n, at = 0; tz <= (z + r) >> n; ++tz) {
                 if (tz < 0 || tz >= sizez) at += ((x + r) >> n) - ((x - r) >> n);
                 for (int tx = (x - r) >> n; tz >= 0 && tz < sizez && tx <= (x + r) >> n; ++tx) {
@@ -70,5 +68,3 @@ TEST_F(groundtest, lightsreachandcuttheirtilesasthereferencewalks) {
         }
     }
 }
-
-}  // namespace
