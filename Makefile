@@ -3,7 +3,7 @@ BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
 
-.PHONY: deps build test test-asan test-size bench demo clean
+.PHONY: deps build test test-asan test-size bench demo package clean
 
 deps:
 	@scripts/install-deps.sh
@@ -31,6 +31,10 @@ bench: build
 demo: build
 	mkdir -p out
 	java -Djava.library.path=$(BUILD) -cp $(BUILD)/host/wexelhost.jar:$(BUILD)/demo/wexeldemo.jar Demo out/demo.png
+
+# A Debian package of the library and the host jar, written to $(BUILD).
+package: build
+	cd $(BUILD) && cpack
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) out

@@ -172,7 +172,7 @@ void view(benchmark::State& state) {
 void single(benchmark::State& state) {
     groundview& s = scene();
     const std::vector<rastertriangle> faces = rasterrecords(s.faces, s.texels.data(), 0);
-    const trianglefunction draw = choosegroundtriangle(recipe::plain, layers::single, blended::no, shadowed::no);
+    const trianglefunction draw = choosegroundtriangle(widestlanes(), recipe::plain, layers::single, blended::no, shadowed::no);
     for (auto _ : state) {
         state.PauseTiming();
         cleardepth(s.target.t);

@@ -102,7 +102,7 @@ void drawface(tiledraw& d) {
     }
     // A face whose texture cannot be had is drawn without.
     trianglefunction draw =
-        choosetriangle(fold, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, true, true);
+        choosetriangle(d.t.lanes, fold, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, true, true);
     if constexpr (textured) {
         const texturerecord* layer[3] = {};
         bool present = true;
@@ -128,7 +128,7 @@ void drawface(tiledraw& d) {
             face.blendfactor = 0x009B009B;
             face.shadowmap = tile.shadowmap;
             face.shadowshift[0] = static_cast<uint64_t>(tile.shadowshift), face.shadowshift[1] = 0;
-            draw = choosegroundtriangle(fold, layersof(G), blend ? blended::yes : blended::no,
+            draw = choosegroundtriangle(d.t.lanes, fold, layersof(G), blend ? blended::yes : blended::no,
                                         tile.shadowmap ? shadowed::yes : shadowed::no);
         }
     }
@@ -146,7 +146,7 @@ void drawgroups(tiledraw& d, std::index_sequence<G...>) {
 // The tile's faces in depth alone.
 void drawdepth(tiledraw& d, int total) {
     const trianglefunction draw =
-        choosetriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false, true);
+        choosetriangle(d.t.lanes, recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false, true);
     alignas(16) rastertriangle face;
     for (int f = 0; f < total; ++f) {
         const uint8_t* corner = d.tile.faces.get() + 3 * f;

@@ -193,8 +193,7 @@ bool sprites(fuzzcase& c) {
                                    c.coordinate(g.t.height));
     const int width = g.t.width, height = g.t.height;
     const int clip[4] = {g.t.cliprect[0], g.t.cliprect[1], g.t.cliprect[2], g.t.cliprect[3]};
-    const auto widths = runnablewidths();
-    const lanewidth lanes = widths[c.number % widths.size()];
+    const lanewidth lanes = c.lanes();
 
     // The image's last or first pixel touches an inaccessible page.
     const int iw = c.onein(10) ? c.below(2) * 64 : c.width(), ih = c.onein(10) ? 0 : 1 + c.below(16);
@@ -558,7 +557,7 @@ bool grounds(fuzzcase& c) {
     s.host.load = [](int id) { return id < 200 && (loadtexture(*store, id, store->descriptors[id], texels.data()), 1); };
     toolkit& t = s.g.t;
     memorypool pool(1 << 16, &t);
-    t.pool = &pool, t.shadowshift = 3;
+    t.pool = &pool, t.shadowshift = 3, t.lanes = c.lanes();
     const int sizex = c.onein(16) ? 0 : 1 + c.below(6), sizez = c.onein(16) ? 0 : 1 + c.below(6),
               tilesize = c.onein(8) ? c.coordinate(1 << 20) : 32 << c.below(3);
     // A shadow map over tiles of a million units would fill the pool.
@@ -631,9 +630,10 @@ bool triangles(fuzzcase& c) {
     t.blendfactor = c.below(256) * 0x10001u;
     t.texels[0] = texels.get();
     rasterstate.fogstart = c.real(-1.0f, 1.0f), rasterstate.fogscale = c.real(0.0f, 4.0f);
+    const lanewidth lanes = c.lanes();
     const trianglefunction draw =
-        c.onein(4) ? rawtriangle(colour, depth)
-                   : choosetriangle(recipe(c.below(4)), c.below(2) ? shading::textured : shading::gouraud,
+        c.onein(4) ? rawtriangle(lanes, colour, depth)
+                   : choosetriangle(lanes, recipe(c.below(4)), c.below(2) ? shading::textured : shading::gouraud,
                                     alphamode(c.below(3)), wrapmode(c.below(2)), blended(c.below(2)), colour, depth);
     if (!draw) return false;
     c.note("triangle", t.position[0][0], t.position[0][1], t.position[1][0], t.position[1][1], t.position[2][0],
@@ -668,7 +668,7 @@ bool models(fuzzcase& c) {
     clientscene s(c);
     // The current toolkit, which billboards draw through, draws into the scene's target.
     toolkit& t = s.host.t;
-    t.textures = store.get();
+    t.textures = store.get(), t.lanes = c.lanes();
     t.colourbuffer = s.g.t.colourbuffer, t.depthbuffer = s.g.t.depthbuffer;
     t.width = s.g.t.width, t.height = s.g.t.height;
     std::copy(s.g.t.cliprect, s.g.t.cliprect + 4, t.cliprect);
