@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ground/tile.h"
+#include "groundview.h"
 #include "ground/upload.h"
 #include "llvmpipe.h"
 #include "raster/raster.h"
@@ -27,7 +28,7 @@
 
 namespace {
 
-constexpr int side = 64, tilesize = 128, texturecount = 16;
+constexpr int side = groundviewside, tilesize = groundviewtile, texturecount = 16;
 
 // A tile's arrays: a square of two faces turned to the camera, on its textures by its kind.
 struct hosttile {
@@ -194,3 +195,7 @@ void upload(benchmark::State& state) {
 }();
 
 }  // namespace
+
+ground& groundviewground() { return *scene().g; }
+
+void groundviewframes(benchmark::State& state) { view(state); }

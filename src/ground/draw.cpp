@@ -75,12 +75,17 @@ void drawface(tiledraw& d) {
     const long long points = (g.sizex + 1LL) * (g.sizez + 1LL);
     if (3LL * f >= points) fail<ArrayIndexOutOfBoundsException>(3 * f, static_cast<int>(points));
 
+    // The tile's lights are read per face: fetching a texture may move the pool's blocks.
+    const tilelight* lights = shade || tile.lightblock.empty() ? nullptr : tile.lightblock.get() + tile.lightindex;
+    const int side = tile.faceclass.empty() ? 1 : tile.faceclass[f];
     alignas(16) rastertriangle face;
     for (int j = 0; j < 3; ++j) {
         const groundpoint& v = tile.vertices[corner[j]];
         const uint16_t ox = static_cast<uint16_t>(truncate(v.x) - d.x * g.tilesize);
         const uint16_t oz = static_cast<uint16_t>(truncate(v.z) - d.z * g.tilesize);
-        setcolourlanes(face.colour[j], sunlight(d.t, d.corners.normalat(ox, oz, g.tilesize), tile.colours[3 * f + j]));
+        uint32_t colour = sunlight(d.t, d.corners.normalat(ox, oz, g.tilesize), tile.colours[3 * f + j]);
+        if (lights) colour = pointlight(*lights, colour, ox, oz, g.tileshift, side);
+        setcolourlanes(face.colour[j], colour);
         std::copy_n(d.screen[corner[j]], 4, face.position[j]);
     }
     const rasterstatedata& r = rasterstate;

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "fontreference.h"
+#include "ground/lights.h"
 #include "ground/tile.h"
 #include "ground/upload.h"
 #include "model/render.h"
@@ -586,12 +587,22 @@ bool grounds(fuzzcase& c) {
     rasterstate.fogstart = c.real(0, 1.5f), rasterstate.fogscale = c.real(-4, 4);
     c.note("ground", sizex, sizez, tilesize, "tile", x, z, "faces", n / 3);
     *slot = buildtile(*g, x, z, h);
+    // Lights at and past the edges, of any reach and mode, a 256th, modes and intensities short, on
+    // a stream of their own so that the cases stay as they were; after the draws, removals.
+    testrng l(0x116A7ull + uint64_t(c.number));
+    std::vector<int32_t> modes(1 + l.below(40), 1);
+    std::vector<float> levels(l.below(300), l.real(-2, 2));
+    for (int i = l.onein(8) ? 257 : l.below(6), reach = int(std::min(8LL * ts, 1LL << 30)); i > 0; --i, modes[0] = l.between(-1, 7))
+        addlight(*g, l.below(8), l.coordinate(reach), l.coordinate(500), l.coordinate(reach),
+                 l.onein(4) ? l.between(-ts, ts / 2) : l.coordinate(reach / 2), l(), modes.data(), int(modes.size()));
+    setintensities(*g, levels.data(), int(levels.size()));
     try {
         (*slot)->draw(t, *g, x, z);
     } catch (Exception* e) {
         delete e;
     }
     (*slot)->drawmap(*g, x, z, c.real(-10, 30), c.real(-10, 30), c.onein(8) ? c.real(-1e6f, 1e6f) : c.real(2, 20));
+    for (int i = l.below(12); i > 0; --i) removelight(*g, l.below(10));
     EXPECT_EQ(pool.verify(), nullptr);
     return s.check(true);
 }
