@@ -3,7 +3,7 @@ BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
 
-.PHONY: deps build test test-asan test-size bench demo clean
+.PHONY: deps build test test-asan test-size bench demo golden soak package clean
 
 deps:
 	@scripts/install-deps.sh
@@ -25,12 +25,28 @@ test-asan: deps
 test-size:
 	@scripts/test-size.sh
 
+# llvmpipe reads its thread count once a process: its two-thread run of the scene's triangles is a
+# process of its own.
 bench: build
 	$(BUILD)/bench/wexel_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+	LP_NUM_THREADS=2 $(BUILD)/bench/wexel_bench --benchmark_filter='llvmpipe/scene' --benchmark_repetitions=5 \
+	  --benchmark_report_aggregates_only=true
 
 demo: build
 	mkdir -p out
 	java -Djava.library.path=$(BUILD) -cp $(BUILD)/host/wexelhost.jar:$(BUILD)/demo/wexeldemo.jar Demo out/demo.png
+
+# Records the scene's golden frames for this processor, after a change that alters pixels on purpose.
+golden: build
+	WEXEL_GOLDEN=write $(BUILD)/tests/jvm/jvm_tests --gtest_filter='golden.*'
+
+# Ten thousand frames of the scene under churn; a label of its own, outside `make test`.
+soak: build
+	cd $(BUILD) && ctest -C soak -L soak --output-on-failure
+
+# A Debian package of the library and the host jar, written to $(BUILD).
+package: build
+	cd $(BUILD) && cpack
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) out

@@ -11,34 +11,12 @@
 #include <cstdlib>
 #include <string>
 
+#include "benchjvm.h"
 #include "ratio.h"
 #include "util/crash.h"
 #include "util/frame.h"
 
 namespace {
-
-// The dump folder, gone with the process.
-struct dumpfolder {
-    std::string path;
-    ~dumpfolder() {
-        if (!path.empty()) rmdir(path.c_str());
-    }
-} folder;
-
-JNIEnv* jvm() {
-    static JNIEnv* env = [] {
-        char made[] = "/tmp/wexelbenchXXXXXX";
-        folder.path = mkdtemp(made);
-        std::string classpath = "-Djava.class.path=" BENCH_CLASSPATH, tmpdir = "-Djava.io.tmpdir=" + folder.path;
-        JavaVMOption options[] = {{classpath.data(), nullptr}, {tmpdir.data(), nullptr}};
-        JavaVMInitArgs args{JNI_VERSION_1_8, 2, options, JNI_FALSE};
-        JavaVM* vm;
-        JNIEnv* env = nullptr;
-        if (JNI_CreateJavaVM(&vm, reinterpret_cast<void**>(&env), &args) != JNI_OK) return static_cast<JNIEnv*>(nullptr);
-        return env;
-    }();
-    return env;
-}
 
 // A pointer the compiler cannot see to be null, so that the store stays a store.
 int* volatile nowhere = nullptr;
@@ -51,9 +29,9 @@ void fault(JNIEnv* env) {
 // Removes the dumps written so far; their total size.
 long long cleardumps() {
     long long bytes = 0;
-    DIR* dir = opendir(folder.path.c_str());
+    DIR* dir = opendir(benchdumpfolder().c_str());
     while (dirent* e = dir ? readdir(dir) : nullptr) {
-        std::string path = folder.path + "/" + e->d_name;
+        std::string path = benchdumpfolder() + "/" + e->d_name;
         struct stat s;
         if (e->d_name[0] == '.' || stat(path.c_str(), &s) != 0) continue;
         bytes += s.st_size;
@@ -64,7 +42,7 @@ long long cleardumps() {
 }
 
 void BM_faultwithdump(benchmark::State& state) {
-    JNIEnv* env = jvm();
+    JNIEnv* env = benchjvm();
     if (!env) return state.SkipWithError("no JVM");
     startcrashreporting(env);
     long long bytes = 0;
@@ -80,7 +58,7 @@ void BM_faultwithdump(benchmark::State& state) {
 BENCHMARK(BM_faultwithdump)->Unit(benchmark::kMillisecond);
 
 void BM_faultwithoutdump(benchmark::State& state) {
-    JNIEnv* env = jvm();
+    JNIEnv* env = benchjvm();
     if (!env) return state.SkipWithError("no JVM");
     for (auto _ : state) fault(env);
 }

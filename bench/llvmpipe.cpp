@@ -29,8 +29,9 @@ llvmpipe* llvmpipe::instance() {
 const char* llvmpipe::failure() { return reason; }
 
 bool llvmpipe::open() {
-    // Rasterise in the calling thread; the driver reads this when its first context is made.
-    setenv("LP_NUM_THREADS", "0", 1);
+    // Rasterise in the calling thread unless the environment asks for threads; the driver reads
+    // this when its first context is made.
+    setenv("LP_NUM_THREADS", "0", 0);
     const int attributes[] = {OSMESA_FORMAT, OSMESA_RGBA, OSMESA_DEPTH_BITS, 0, OSMESA_PROFILE,
                               OSMESA_COMPAT_PROFILE, 0};
     OSMesaContext context = OSMesaCreateContextAttribs(attributes, nullptr);

@@ -174,20 +174,7 @@ const trianglework& frametriangles() {
         for (int k = 0; k < copies; ++k) {
             placement(0, k, matrix);
             drawmodel(*s.sphere, *s.workspace, matrix, nullptr);
-            const float(*screen)[4] = s.workspace->vertices;
-            for (int f = 0; f < m.facecount; ++f) {
-                const int corner[3] = {m.facea[f], m.faceb[f], m.facec[f]};
-                const float *p = screen[corner[0]], *q = screen[corner[1]], *u = screen[corner[2]];
-                if (!accepttriangle(p, q, u)) continue;
-                w.pixels += std::fabs((q[0] - p[0]) * (u[1] - p[1]) - (u[0] - p[0]) * (q[1] - p[1])) * 0.5;
-                const texel uv[3] = {m.uva[f], m.uvb[f], m.uvc[f]};
-                for (int i = 0; i < 3; ++i) {
-                    const float* v = screen[corner[i]];
-                    const uint32_t colour = sunterm(m.litcolours[f].corner[i], m.normals[corner[i]],
-                                                    768.0f / float(m.contrast), s.target.t);
-                    w.vertices.push_back({v[0], v[1], v[2], uv[i].u + r.offsetu[0], uv[i].v + r.offsetv[0], colour});
-                }
-            }
+            addmodeltriangles(w, m, *s.workspace, s.target.t, r);
         }
         return w;
     }();

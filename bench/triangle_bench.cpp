@@ -69,7 +69,7 @@ void ours(benchmark::State& state, const workload* w, cut c) {
     const trianglework& work = triangles(w);
     std::vector<rastertriangle> faces = rasterrecords(work, texture().data(), blendweight);
     trianglefunction draw =
-        choosetriangle(recipe::plain, w->fill == peerfill::textured ? shading::textured : shading::gouraud,
+        choosetriangle(widestlanes(), recipe::plain, w->fill == peerfill::textured ? shading::textured : shading::gouraud,
                        alphamode::opaque, wrapmode::repeat, w->fill == peerfill::blended ? blended::yes : blended::no,
                        true, true);
     if (c == cut::allrows) setcliprect(target.t, 0, 0, width, 0);

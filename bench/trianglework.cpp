@@ -5,6 +5,13 @@
 #include <random>
 #include <utility>
 
+#include "ground/tile.h"
+#include "model/lighting.h"
+#include "model/model.h"
+#include "toolkit/projection.h"
+#include "toolkit/renderworkspace.h"
+#include "toolkit/toolkit.h"
+
 trianglework maketriangles(int count, float area, int width, int height, uint32_t seed) {
     std::mt19937 random(seed);
     std::uniform_real_distribution<float> unit(0.0f, 1.0f);
@@ -81,4 +88,52 @@ std::vector<rastertriangle> rasterrecords(const trianglework& work, const uint32
         r.texels[0] = texels;
     }
     return all;
+}
+
+namespace {
+
+// Appends a triangle the face test accepts, given as its projected corners; false if refused.
+bool addaccepted(trianglework& work, const float (&p)[3][4], const benchvertex (&v)[3]) {
+    if (!accepttriangle(p[0], p[1], p[2])) return false;
+    work.vertices.insert(work.vertices.end(), v, v + 3);
+    work.pixels += std::fabs((v[1].x - v[0].x) * (v[2].y - v[0].y) - (v[2].x - v[0].x) * (v[1].y - v[0].y)) / 2;
+    return true;
+}
+
+}  // namespace
+
+void addtiletriangles(trianglework& work, const complexground& tile, int x, int z, int tilesize, const toolkit& t) {
+    int faces = 0;
+    for (int g = 0; g < 5; ++g) faces += tile.facecounts[g];
+    for (int f = 0; f < faces; ++f) {
+        benchvertex v[3];
+        float p[3][4];
+        for (int j = 0; j < 3; ++j) {
+            const groundpoint& w = tile.vertices[tile.faces[3 * f + j]];
+            _mm_storeu_ps(p[j], projectpoint(_mm_setr_ps(w.x, w.y, w.z, 1), t.viewprojection));
+            p[j][3] = p[j][2];
+            v[j] = {p[j][0], p[j][1], p[j][2], (w.x - float(x * tilesize)) * 127.0f / tilesize,
+                    (w.z - float(z * tilesize)) * 127.0f / tilesize, 0xFF000000u | tile.colours[3 * f + j]};
+        }
+        addaccepted(work, p, v);
+    }
+}
+
+void addmodeltriangles(trianglework& work, const model& m, const renderworkspace& w, const toolkit& t,
+                       const texturerecord& texture) {
+    const float(*screen)[4] = w.vertices;
+    for (int f = 0; f < m.facecount; ++f) {
+        const int corner[3] = {m.facea[f], m.faceb[f], m.facec[f]};
+        const bool textured = f < m.texturedfacecount;
+        const texel uv[3] = {textured ? m.uva[f] : texel{}, textured ? m.uvb[f] : texel{}, textured ? m.uvc[f] : texel{}};
+        benchvertex v[3];
+        float p[3][4];
+        for (int i = 0; i < 3; ++i) {
+            std::copy(screen[corner[i]], screen[corner[i]] + 4, p[i]);
+            const uint32_t colour =
+                sunterm(m.litcolours[f].corner[i], m.normals[corner[i]], 768.0f / float(m.contrast), t);
+            v[i] = {p[i][0], p[i][1], p[i][2], uv[i].u + texture.offsetu[0], uv[i].v + texture.offsetv[0], colour};
+        }
+        addaccepted(work, p, v);
+    }
 }

@@ -12,6 +12,11 @@ public class i {
     // A shade byte at a grid point, raised only; SA drops the shades after the last upload.
     public native void LA(int a, int b, int value);
     public native void SA();
+    // Point lights: one mode a tile of the light's square, rows of z; intensities by place among
+    // the lights in use, oldest first; removal by id.
+    public native void A(int id, int x, int y, int z, int radius, int colour, int[] modes);
+    public native void t(float[] intensities);
+    public native void d(int id);
     // A tile as parallel arrays, three entries a face; ys, depths, mapcolours and scales may be null.
     public native void ya(int x, int z, int[] xs, int[] ys, int[] zs, int[] depths, int[] colours, int[] mapcolours,
                           int[] textures, int[] scales, int tilecolour, int usedepths, int unused, boolean caster);

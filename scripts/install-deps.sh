@@ -10,6 +10,7 @@ packages=(
   libx11-dev xvfb x11-utils
   libpixman-1-dev libosmesa6-dev
   uuid-dev lldb
+  dpkg-dev file
 )
 missing=()
 for p in "${packages[@]}"; do

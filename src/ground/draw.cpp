@@ -76,12 +76,17 @@ void drawface(tiledraw& d) {
     const long long points = (g.sizex + 1LL) * (g.sizez + 1LL);
     if (3LL * f >= points) fail<ArrayIndexOutOfBoundsException>(3 * f, static_cast<int>(points));
 
+    // The tile's lights are read per face: fetching a texture may move the pool's blocks.
+    const tilelight* lights = shade || tile.lightblock.empty() ? nullptr : tile.lightblock.get() + tile.lightindex;
+    const int side = tile.faceclass.empty() ? 1 : tile.faceclass[f];
     alignas(16) rastertriangle face;
     for (int j = 0; j < 3; ++j) {
         const groundpoint& v = tile.vertices[corner[j]];
         const uint16_t ox = static_cast<uint16_t>(truncate(v.x) - d.x * g.tilesize);
         const uint16_t oz = static_cast<uint16_t>(truncate(v.z) - d.z * g.tilesize);
-        setcolourlanes(face.colour[j], sunlight(d.t, d.corners.normalat(ox, oz, g.tilesize), tile.colours[3 * f + j]));
+        uint32_t colour = sunlight(d.t, d.corners.normalat(ox, oz, g.tilesize), tile.colours[3 * f + j]);
+        if (lights) colour = pointlight(*lights, colour, ox, oz, g.tileshift, side);
+        setcolourlanes(face.colour[j], colour);
         std::copy_n(d.screen[corner[j]], 4, face.position[j]);
     }
     const rasterstatedata& r = rasterstate;
@@ -98,7 +103,7 @@ void drawface(tiledraw& d) {
     }
     // A face whose texture cannot be had is drawn without.
     trianglefunction draw =
-        choosetriangle(fold, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, true, true);
+        choosetriangle(d.t.lanes, fold, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, true, true);
     if constexpr (textured) {
         const texturerecord* layer[3] = {};
         bool present = true;
@@ -124,7 +129,7 @@ void drawface(tiledraw& d) {
             face.blendfactor = 0x009B009B;
             face.shadowmap = tile.shadowmap;
             face.shadowshift[0] = static_cast<uint64_t>(tile.shadowshift), face.shadowshift[1] = 0;
-            draw = choosegroundtriangle(fold, layersof(G), blend ? blended::yes : blended::no,
+            draw = choosegroundtriangle(d.t.lanes, fold, layersof(G), blend ? blended::yes : blended::no,
                                         tile.shadowmap ? shadowed::yes : shadowed::no);
         }
     }
@@ -142,7 +147,7 @@ void drawgroups(tiledraw& d, std::index_sequence<G...>) {
 // The tile's faces in depth alone.
 void drawdepth(tiledraw& d, int total) {
     const trianglefunction draw =
-        choosetriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false, true);
+        choosetriangle(d.t.lanes, recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false, true);
     alignas(16) rastertriangle face;
     for (int f = 0; f < total; ++f) {
         const uint8_t* corner = d.tile.faces.get() + 3 * f;

@@ -73,6 +73,17 @@ int ground::shade(int a, int b) const {
     return at >= 0 && at < shades.length() ? shades[at] : 0;
 }
 
+void makeshadows(ground& g) {
+    memorypool& pool = *g.owner->pool;
+    const int shift = g.owner->shadowshift;
+    groundshadows* s = g.shadows = new groundshadows{&g, 0, 0, 0, {}};
+    s->width = ((g.sizex * g.tilesize) >> shift) + 2;
+    s->height = ((g.sizez * g.tilesize) >> shift) + 2;
+    s->cellspertile = g.tilesize >> shift;
+    allocatecleared(pool, s->cells, s->width * s->height);
+    allocatecleared(pool, g.dirty, g.slotcount);
+}
+
 ground* makeground(toolkit& owner, int sizex, int sizez, int tilesize, int scale, uint32_t flags) {
     memorypool* pool = owner.pool;
     if (!pool) fail<NullPointerException>();
@@ -93,14 +104,7 @@ ground* makeground(toolkit& owner, int sizex, int sizez, int tilesize, int scale
     allocatecleared(*pool, g->heights, points);
     pool->allocate(g->normals, points);
     allocatecleared(*pool, g->shades, points);
-    if (g->flags & GF_SHADOWMAP) {
-        groundshadows* s = g->shadows = new groundshadows{g.get(), 0, 0, 0, {}};
-        s->width = ((sizex * g->tilesize) >> owner.shadowshift) + 2;
-        s->height = ((sizez * g->tilesize) >> owner.shadowshift) + 2;
-        s->cellspertile = g->tilesize >> owner.shadowshift;
-        allocatecleared(*pool, s->cells, s->width * s->height);
-        allocatecleared(*pool, g->dirty, g->slotcount);
-    }
+    if (g->flags & GF_SHADOWMAP) makeshadows(*g);
     for (lightnode& n : g->lightnodes) g->freelights.append(n);
     return g.release();
 }

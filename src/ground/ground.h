@@ -73,6 +73,9 @@ struct ground {
 // when the slots cannot be had.
 ground* makeground(toolkit& owner, int sizex, int sizez, int tilesize, int scale, uint32_t flags);
 
+// The shadow map of a ground, its cells at the toolkit's cell size and every tile unmarked.
+void makeshadows(ground& g);
+
 // The grid's normals from the heights of `normalheights`, a block laid out as the ground's own.
 void computenormals(ground& g, const int32_t* normalheights);
 

@@ -15,7 +15,7 @@
 #include "util/truncate.h"
 
 void complexground::drawmap(ground& g, int x, int z, float mx, float fy, float step) {
-    const trianglefunction draw = rasterstate.targetcolour ? rawtriangle(true, rasterstate.targetdepth) : nullptr;
+    const trianglefunction draw = rasterstate.targetcolour ? rawtriangle(currenttoolkit->lanes, true, rasterstate.targetdepth) : nullptr;
     if (!draw) return;
     int total = 0;
     for (uint8_t count : facecounts) total += count;

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "ground/ground.h"
+#include "ground/lights.h"
 #include "toolkit/shadowmask.h"
 #include "util/memory/allocatedmemory.h"
 
@@ -46,7 +47,7 @@ public:
     const uint8_t* shadowmap = nullptr;
     int shadowshift = 0;
     uint8_t tileflags = 0;
-    allocatedmemory<uint8_t> lightblock;
+    allocatedmemory<tilelight> lightblock;  // shared with the tiles a light reached with this one
     uint16_t lightindex = 0;
 };
 
@@ -58,7 +59,7 @@ public:
 
     allocatedmemory<uint8_t> faces;  // three vertex indices per face
     allocatedmemory<float> uvs;      // six per textured face: u of vertex 2, 1, 0, then v
-    allocatedmemory<uint8_t> faceclass;
+    allocatedmemory<uint8_t> faceclass;  // a face's side of the diagonal once a light split the tile
     uint32_t tilecolour = 0;
     uint8_t facecounts[facegroups] = {};
 };

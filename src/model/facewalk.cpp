@@ -53,7 +53,7 @@ void drawface(modeldraw& d, int f, pass p, rastertriangle& tri) {
     for (int k = 0; k < 3; ++k) _mm_store_ps(tri.position[k], _mm_load_ps(screen[corner[k]]));
 
     if constexpr (colourless) {
-        choosetriangle(recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false,
+        choosetriangle(d.lanes, recipe::plain, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, false,
                        true)(&tri);
         return;
     }
@@ -80,7 +80,7 @@ void drawface(modeldraw& d, int f, pass p, rastertriangle& tri) {
     tri.blendfactor = weight | weight << 16;
     const blended mix = alpha ? blended::yes : blended::no;
     if (!r || !r->pixels) {
-        choosetriangle(d.steps, shading::gouraud, alphamode::opaque, wrapmode::repeat, mix, d.colour, d.depth)(&tri);
+        choosetriangle(d.lanes, d.steps, shading::gouraud, alphamode::opaque, wrapmode::repeat, mix, d.colour, d.depth)(&tri);
         return;
     }
     const __m128 offset = _mm_setr_ps(r->offsetu[0], r->offsetv[0], r->offsetu[0], r->offsetv[0]);
@@ -92,7 +92,7 @@ void drawface(modeldraw& d, int f, pass p, rastertriangle& tri) {
     // Seen now, the translucency takes effect from the next draw.
     if (alpha || mode == alphamode::alpha) m.hastranslucency = 1;
     const wrapmode wrap = r->flagfive || r->flagsix ? wrapmode::repeat : wrapmode::clamp;
-    choosetriangle(d.steps, shading::textured, mode, wrap, mix, d.colour, d.depth)(&tri);
+    choosetriangle(d.lanes, d.steps, shading::textured, mode, wrap, mix, d.colour, d.depth)(&tri);
 }
 
 }  // namespace

@@ -103,7 +103,7 @@ int drawmodel(model& m, renderworkspace& w, const float* matrix, int* result) {
     d.depth = rasterstate.targetdepth != nullptr;
     d.smoothscale = 768.0f / static_cast<float>(m.contrast);
     d.flatscale = 512.0f / static_cast<float>(m.contrast);
-    d.lanes = widestlanes();
+    d.lanes = t.lanes;
     const int index = indexof(modelmembers, member);
     membertable[static_cast<size_t>(index)](d);
     return index;

@@ -54,7 +54,7 @@ struct alignas(16) modeldraw {
     recipe steps;              // what the triangle level folds in: fog, shade, both or neither
     bool colour, depth;        // the target's buffers
     float smoothscale, flatscale;  // the sun's strength on smooth and flat faces
-    lanewidth lanes;               // of the billboards' sprite rows
+    lanewidth lanes;               // of the faces' spans and the billboards' sprite rows
     pointlights lights;
 };
 

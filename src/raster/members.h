@@ -303,5 +303,5 @@ extern const texturedfile<alphamode::key> widekeymembers;
 extern const texturedfile<alphamode::alpha> widealphamembers;
 
 // The function of any member at a lane width; null for a combination that is not a member.
-trianglefunction trianglefor(const trianglemember& m, lanewidth lanes = widestlanes());
-spanfunction spanfor(const spanmember& m, lanewidth lanes = widestlanes());
+trianglefunction trianglefor(const trianglemember& m, lanewidth lanes);
+spanfunction spanfor(const spanmember& m, lanewidth lanes);

@@ -97,20 +97,21 @@ struct alignas(16) rasterspan {
 using trianglefunction = void (*)(const rastertriangle*);
 using spanfunction = void (*)(rasterspan*);
 
-// The triangle function of a model face, and the span function it calls, at the widest lanes the
-// processor runs: `colour` and `depth` tell which buffers the target has. Gouraud faces ignore the
+// The triangle function of a model face, and the span function it calls, at the lanes of the
+// drawing context: `colour` and `depth` tell which buffers the target has. Gouraud faces ignore the
 // alpha and wrap modes; an alpha-mode face is never blended. A target without colour gets the depth-only member; without either, null.
-trianglefunction choosetriangle(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth);
-spanfunction choosespan(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth);
+trianglefunction choosetriangle(lanewidth lanes, recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour,
+                                bool depth);
+spanfunction choosespan(lanewidth lanes, recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth);
 
 // The triangle function of a textured ground face on a target with colour and depth. Blending
 // holds only for one-texture faces without shade; a blended `single` face tests depth without
 // writing it.
-trianglefunction choosegroundtriangle(recipe r, layers l, blended b, shadowed s);
+trianglefunction choosegroundtriangle(lanewidth lanes, recipe r, layers l, blended b, shadowed s);
 
 // The host's free Gouraud triangle: with both buffers it tests depth and leaves it as it was;
 // with depth alone it walks its rows and stores nothing; without colour or depth, null.
-trianglefunction rawtriangle(bool colour, bool depth);
+trianglefunction rawtriangle(lanewidth lanes, bool colour, bool depth);
 
 // A pixel word as a colour lane set, in both halves of a 16-byte slot.
 inline void setcolourlanes(uint16_t* lanes, uint32_t pixel) {

@@ -81,21 +81,21 @@ spanfunction spanfor(const spanmember& m, lanewidth lanes) {
     return slot ? *slot : nullptr;
 }
 
-trianglefunction choosetriangle(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth) {
-    const trianglefunction* slot =
-        triangleselection[size_t(widestlanes())][size_t(selectionkey({r, s, a, w, b, colour, depth}))];
+trianglefunction choosetriangle(lanewidth lanes, recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour,
+                                bool depth) {
+    const trianglefunction* slot = triangleselection[size_t(lanes)][size_t(selectionkey({r, s, a, w, b, colour, depth}))];
     return slot ? *slot : nullptr;
 }
 
-spanfunction choosespan(recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth) {
-    const spanfunction* slot = spanselection[size_t(widestlanes())][size_t(selectionkey({r, s, a, w, b, colour, depth}))];
+spanfunction choosespan(lanewidth lanes, recipe r, shading s, alphamode a, wrapmode w, blended b, bool colour, bool depth) {
+    const spanfunction* slot = spanselection[size_t(lanes)][size_t(selectionkey({r, s, a, w, b, colour, depth}))];
     return slot ? *slot : nullptr;
 }
 
-trianglefunction rawtriangle(bool colour, bool depth) {
-    return colour || depth ? trianglefor(rawmember(colour, depth)) : nullptr;
+trianglefunction rawtriangle(lanewidth lanes, bool colour, bool depth) {
+    return colour || depth ? trianglefor(rawmember(colour, depth), lanes) : nullptr;
 }
 
-trianglefunction choosegroundtriangle(recipe r, layers l, blended b, shadowed s) {
-    return *groundtriangleselection[size_t(widestlanes())][size_t(groundkey({r, l, b, s}))];
+trianglefunction choosegroundtriangle(lanewidth lanes, recipe r, layers l, blended b, shadowed s) {
+    return *groundtriangleselection[size_t(lanes)][size_t(groundkey({r, l, b, s}))];
 }

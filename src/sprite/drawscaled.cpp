@@ -75,7 +75,7 @@ JNIEXPORT void JNICALL Java_fa_ha(JNIEnv* env, jobject, jlong handle, jint x, ji
                                   jint colour, jint blend) {
     runexport(env, [&] {
         drawscaled(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour),
-                   blend, widestlanes());
+                   blend, currenttoolkit->lanes);
     });
 }
 
@@ -84,7 +84,7 @@ JNIEXPORT void JNICALL Java_fa_G(JNIEnv* env, jobject, jlong handle, jint x, jin
                                  jint tint, jint colour, jint blend) {
     runexport(env, [&] {
         drawscaledatdepth(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, static_cast<float>(z), w, h, tint,
-                          static_cast<uint32_t>(colour), blend, widestlanes());
+                          static_cast<uint32_t>(colour), blend, currenttoolkit->lanes);
     });
 }
 

@@ -113,7 +113,7 @@ JNIEXPORT void JNICALL Java_fa_Y(JNIEnv* env, jobject, jlong handle, jint x, jin
                                  jint blend) {
     runexport(env, [&] {
         drawsprite(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, tint, static_cast<uint32_t>(colour), blend,
-                   widestlanes());
+                   currenttoolkit->lanes);
     });
 }
 
@@ -121,7 +121,7 @@ JNIEXPORT void JNICALL Java_fa_aa(JNIEnv* env, jobject, jlong handle, jint x, ji
                                   jint colour, jint blend) {
     runexport(env, [&] {
         tilesprite(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, w, h, tint, static_cast<uint32_t>(colour),
-                   blend, widestlanes());
+                   blend, currenttoolkit->lanes);
     });
 }
 
@@ -130,7 +130,7 @@ JNIEXPORT void JNICALL Java_fa_o(JNIEnv* env, jobject, jlong handle, jint x, jin
                                  jint masky) {
     runexport(env, [&] {
         drawthroughmask(*currenttoolkit, imageof(*peerat<sprite>(handle)), x, y, *peerat<const spanmask>(mask), maskx,
-                        masky, widestlanes());
+                        masky, currenttoolkit->lanes);
     });
 }
 

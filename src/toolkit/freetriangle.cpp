@@ -4,7 +4,7 @@
 #include "util/frame.h"
 
 void drawfreetriangle(const float* xy, const uint32_t* colours) {
-    const trianglefunction draw = rawtriangle(rasterstate.targetcolour, rasterstate.targetdepth);
+    const trianglefunction draw = rawtriangle(currenttoolkit->lanes, rasterstate.targetcolour, rasterstate.targetdepth);
     if (!draw) return;
     rastertriangle face{};
     for (int k = 0; k < 3; ++k) {

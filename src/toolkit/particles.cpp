@@ -59,7 +59,7 @@ void drawparticles(toolkit& t, const int* positions, const int* colours, const i
         if (!r) continue;
         const wrapmode wrap = r->flagfive || r->flagsix ? wrapmode::repeat : wrapmode::clamp;
         const spanfunction span =
-            choosespan(recipe::plain, shading::textured, alphamodeof(r->value), wrap, blended::no, colour, depth);
+            choosespan(t.lanes, recipe::plain, shading::textured, alphamodeof(r->value), wrap, blended::no, colour, depth);
         const int half = at.d >> 1;
         drawsquare(span, at.x - half, at.y - half, at.d + 1, at.z, tint, r->pixels);
     }

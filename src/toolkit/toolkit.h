@@ -3,6 +3,7 @@
 #pragma once
 #include <cstdint>
 
+#include "pixel/lanewidth.h"
 #include "util/hostseam.h"
 #include "util/memory/ringlink.h"
 
@@ -46,6 +47,9 @@ struct alignas(16) toolkit {
     alignas(16) float lightposition[4][4];
     alignas(16) float lightradius[4];
     int lightcolour[4];
+    // The width of every row loop of this context's draws: the widest this processor runs, made
+    // narrower only by tests that compare the widths' bits.
+    lanewidth lanes = widestlanes();
 };
 
 // Everything the rasterisers and transforms read, laid out for four-lane loads.

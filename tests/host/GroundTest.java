@@ -7,7 +7,8 @@ import org.junit.jupiter.api.Test;
 
 // A ground through the JVM: its grid from rows of int arrays, short or missing, tiles from arrays
 // some of which are null, a draw that has the host load its texture from the callback while the
-// collector runs, and a map through rows of marks, one of them null.
+// collector runs, lights with short or missing arrays, and a map through rows of marks, one of
+// them null.
 class GroundTest {
     static final class host extends ja {
         final List<Short> asked = new ArrayList<>();
@@ -46,6 +47,12 @@ class GroundTest {
             g.ya(0, 0, xs, null, zs, null, colours, null, new int[] {300, 300, 300, 300, 300, 300}, null, 0, 0, 0, true);
             g.ya(1, 1, xs, null, zs, null, colours, null, new int[] {-1, -1, -1, -1, -1, -1}, null, 0, 0, 0, false);
             g.SA();
+            // Lights with modes short of their squares or none, intensities for fewer, an unknown id.
+            g.A(1, 32, -100, 32, 400, 0xFFFFFF, new int[] {2, 1});
+            g.A(3, 0, 0, 0, 100, 0, null);
+            g.t(new float[] {0.5f});
+            g.t(null);
+            g.d(7);
             a client = new a();
             client.ha(0, 0, 0, 0, 0);
             t.ba(3, 0);

@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "pixel/lanewidth.h"
+
 // A small, fast generator (splitmix64); a given seed always gives the same run.
 struct testrng {
     using result_type = uint32_t;
@@ -64,6 +66,12 @@ struct testrng {
 struct fuzzcase : testrng {
     int number;
     bool alone;
+    // The row-loop widths this processor runs, case by case, so that one run compares each against
+    // the references; it draws nothing from the generator.
+    lanewidth lanes() const {
+        const auto widths = runnablewidths();
+        return widths[size_t(number) % widths.size()];
+    }
     template <class... A>
     void note(const A&... parts) {
         if (alone) ((std::cout << parts << ' '), ...) << std::endl;

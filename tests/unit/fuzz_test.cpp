@@ -20,6 +20,7 @@
 #include "fontreference.h"
 #include "ground/footprint.h"
 #include "ground/shadows.h"
+#include "ground/lights.h"
 #include "ground/tile.h"
 #include "ground/upload.h"
 #include "model/render.h"
@@ -194,8 +195,7 @@ bool sprites(fuzzcase& c) {
                                    c.coordinate(g.t.height));
     const int width = g.t.width, height = g.t.height;
     const int clip[4] = {g.t.cliprect[0], g.t.cliprect[1], g.t.cliprect[2], g.t.cliprect[3]};
-    const auto widths = runnablewidths();
-    const lanewidth lanes = widths[c.number % widths.size()];
+    const lanewidth lanes = c.lanes();
 
     // The image's last or first pixel touches an inaccessible page.
     const int iw = c.onein(10) ? c.below(2) * 64 : c.width(), ih = c.onein(10) ? 0 : 1 + c.below(16);
@@ -560,7 +560,7 @@ bool grounds(fuzzcase& c) {
     toolkit& t = s.g.t;
     // Room for an atlas block of tile slices, which spans every row a span can read.
     memorypool pool(1 << 18, &t);
-    t.pool = &pool, t.shadowshift = 3;
+    t.pool = &pool, t.shadowshift = 3, t.lanes = c.lanes();
     const int sizex = c.onein(16) ? 0 : 1 + c.below(6), sizez = c.onein(16) ? 0 : 1 + c.below(6),
               tilesize = c.onein(8) ? c.coordinate(1 << 20) : 32 << c.below(3);
     // A shadow map over tiles of a million units would fill the pool.
@@ -590,6 +590,15 @@ bool grounds(fuzzcase& c) {
     rasterstate.fogstart = c.real(0, 1.5f), rasterstate.fogscale = c.real(-4, 4);
     c.note("ground", sizex, sizez, tilesize, "tile", x, z, "faces", n / 3);
     *slot = buildtile(*g, x, z, h);
+    // Lights at and past the edges, of any reach and mode, a 256th, modes and intensities short, on
+    // a stream of their own so that the cases stay as they were; after the draws, removals.
+    testrng l(0x116A7ull + uint64_t(c.number));
+    std::vector<int32_t> modes(1 + l.below(40), 1);
+    std::vector<float> levels(l.below(300), l.real(-2, 2));
+    for (int i = l.onein(8) ? 257 : l.below(6), reach = int(std::min(8LL * ts, 1LL << 30)); i > 0; --i, modes[0] = l.between(-1, 7))
+        addlight(*g, l.below(8), l.coordinate(reach), l.coordinate(500), l.coordinate(reach),
+                 l.onein(4) ? l.between(-ts, ts / 2) : l.coordinate(reach / 2), l(), modes.data(), int(modes.size()));
+    setintensities(*g, levels.data(), int(levels.size()));
     try {
         (*slot)->draw(t, *g, x, z);
     } catch (Exception* e) {
@@ -612,6 +621,7 @@ bool grounds(fuzzcase& c) {
     } catch (Exception* e) {
         delete e;
     }
+    for (int i = l.below(12); i > 0; --i) removelight(*g, l.below(10));
     EXPECT_EQ(pool.verify(), nullptr);
     return s.check(true);
 }
@@ -639,9 +649,10 @@ bool triangles(fuzzcase& c) {
     t.blendfactor = c.below(256) * 0x10001u;
     t.texels[0] = texels.get();
     rasterstate.fogstart = c.real(-1.0f, 1.0f), rasterstate.fogscale = c.real(0.0f, 4.0f);
+    const lanewidth lanes = c.lanes();
     const trianglefunction draw =
-        c.onein(4) ? rawtriangle(colour, depth)
-                   : choosetriangle(recipe(c.below(4)), c.below(2) ? shading::textured : shading::gouraud,
+        c.onein(4) ? rawtriangle(lanes, colour, depth)
+                   : choosetriangle(lanes, recipe(c.below(4)), c.below(2) ? shading::textured : shading::gouraud,
                                     alphamode(c.below(3)), wrapmode(c.below(2)), blended(c.below(2)), colour, depth);
     if (!draw) return false;
     c.note("triangle", t.position[0][0], t.position[0][1], t.position[1][0], t.position[1][1], t.position[2][0],
@@ -676,7 +687,7 @@ bool models(fuzzcase& c) {
     clientscene s(c);
     // The current toolkit, which billboards draw through, draws into the scene's target.
     toolkit& t = s.host.t;
-    t.textures = store.get();
+    t.textures = store.get(), t.lanes = c.lanes();
     t.colourbuffer = s.g.t.colourbuffer, t.depthbuffer = s.g.t.depthbuffer;
     t.width = s.g.t.width, t.height = s.g.t.height;
     std::copy(s.g.t.cliprect, s.g.t.cliprect + 4, t.cliprect);

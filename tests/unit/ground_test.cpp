@@ -49,7 +49,7 @@ TEST_F(groundtest, uploadmatchesthereference) {
     }
 }
 
-// Every group and layer kind, textures the host declines, fog and the distance's shade on and off,
+// Every group and layer kind, lit or not, textures the host declines, fog and the distance's shade on and off,
 // sinking vertices, every target kind, tiles clipped on every side; and the map of the same tile.
 TEST_F(groundtest, tilesandmapsmatchthereference) {
     constexpr int width = 53, height = 41;
@@ -67,7 +67,17 @@ TEST_F(groundtest, tilesandmapsmatchthereference) {
             changeshadows(*g, *f.mask, x * ts + f.x % ts, f.y, z * ts + f.z % ts, false);
         }
         randomhosttile h(rng, ts, 1 + rng.below(30), texturecount);
-        std::unique_ptr<complexground> tile(buildtile(*g, x, z, h.s));
+        complexground* uploaded = buildtile(*g, x, z, h.s);
+        genericground*& slot = *g->slot(x, z) = uploaded;
+        // Lights round the tile of any mode, some off, some cutting it; now and then all taken off.
+        std::vector<int32_t> modes(9, 1);
+        const std::vector<float> levels{0, 0.7f, 1.3f, -0.1f, 0.4f, 1};
+        for (int i = rng.below(6), ts2 = 2 * ts; i > 0; --i, modes[rng.below(9)] = rng.below(6))
+            addlight(*g, i, x * ts + rng.between(-ts, ts2), rng.between(-300, 50), z * ts + rng.between(-ts, ts2),
+                     rng.between(ts / 2, 3 * ts), int(rng()), modes.data(), 9);
+        setintensities(*g, levels.data(), 6);
+        for (int i = 6 * rng.onein(4); i > 0; --i) removelight(*g, i);
+        complexground& tile = static_cast<complexground&>(*slot);
         // A camera tilted over the tile, near or far, with random light, fog, clip and target.
         t.width = width, t.height = height, rasterstate.targetstride = width;
         setviewport(rng.below(6), rng.below(6), width - rng.below(12), height - rng.below(12), 0.0f, 1.0f);
@@ -94,17 +104,17 @@ TEST_F(groundtest, tilesandmapsmatchthereference) {
         bool threw = false;
         target(0);
         try {
-            tile->draw(t, *g, x, z);
+            tile.draw(t, *g, x, z);
         } catch (Exception* e) {
             threw = true, delete e;
         }
         target(1);
-        EXPECT_NE(threw, groundreference::draw(t, *g, *tile, x, z)) << "round " << round;
+        EXPECT_NE(threw, groundreference::draw(t, *g, tile, x, z)) << "round " << round;
         EXPECT_TRUE(same()) << "round " << round;
         drawn += !std::equal(before.begin(), before.end(), colour[0].get());
         const float mx = rng.real(-20, 60), fy = rng.real(-20, 60), step = float(rng.below(40));
-        target(0), tile->drawmap(*g, x, z, mx, fy, step);
-        target(1), groundreference::drawmap(*g, *tile, x, z, mx, fy, step);
+        target(0), slot->drawmap(*g, x, z, mx, fy, step);
+        target(1), groundreference::drawmap(*g, *uploaded, x, z, mx, fy, step);
         EXPECT_TRUE(same()) << "map, round " << round;
     }
     EXPECT_GT(drawn, 200);

@@ -3,7 +3,9 @@
 // rasteriser's reference.
 #pragma once
 #include <algorithm>
+#include <cmath>
 #include <map>
+#include <numeric>
 #include <vector>
 
 #include "ground/tile.h"
@@ -149,6 +151,62 @@ inline tile upload(const toolkit& t, const ground& g, int x, int z, const tileso
     return out;
 }
 
+// A light's strength at grid point (a, b), by distance over r and angle to the normal.
+inline uint16_t strength(const ground& g, int a, int b, int x, int y, int z, int r) {
+    const groundpoint& n = g.normals[g.point(a, b)];
+    const float dx = float(x - a * g.tilesize), dy = float(y - g.heights[g.point(a, b)]), dz = float(z - b * g.tilesize);
+    const float len = std::sqrt(dx * dx + dy * dy + dz * dz), t = len / float(r), fall = 1 - t * t;
+    const float c = (n.x * dx + n.y * dy + n.z * dz) * (1 / len);
+    return uint16_t(trunc(std::min((c > 0 ? c : 0) * (fall > 0 ? fall : 0) * 2, 1.0f) * 256));
+}
+
+// A tile's lights at (ox, oz) of a face of class `side`: strengths along x, then z, by intensity.
+inline uint32_t pointlights(const tilelight& l, uint32_t base, int ox, int oz, int n, int side) {
+    uint32_t out = base & 0xFF000000u;
+    for (int c = 0; c < 24; c += 8) {
+        int sum = int(base >> c & 0xFF);
+        for (int e = 0; e < l.count; ++e) {
+            auto along = [&](int a, int b, int o) { return int(int16_t((((b - a) * o) >> n) + a)); };
+            const int v = along(along(l.near[e], l.left[e], ox), along(l.right[e], l.far[e], ox), oz) * l.nodes[e]->intensity >> 8;
+            if (l.nodes[e]->intensity && (l.modes[e] == 1 || l.modes[e] == side))
+                sum += int32_t(int64_t(l.nodes[e]->colour >> c & 0xFF) * v * int(base >> c & 0xFF)) >> 16;
+        }
+        out |= uint32_t(std::clamp(sum >= 253 ? 252 : sum, 4, 252)) << c;
+    }
+    return out;
+}
+
+// The faces of groups 0 to 4 cut along x = z or (`anti`) x + z = 128 from the corner (ox, oz): x, z
+// of each corner and the class. A face with a corner on the line goes in two at the far edge's
+// crossing, one across it in three at the edges of the corner alone on its side.
+inline std::vector<std::array<float, 7>> cut(const complexground& u, float ox, float oz, bool anti) {
+    std::vector<std::array<float, 7>> out;
+    auto sides = [&](const float* q) {
+        const float ax = q[0] - ox, az = q[1] - oz;
+        return anti ? (ax + az <= 128.001f) + 2 * (ax + az >= 127.99f) : (az >= ax) + 2 * (ax >= az);
+    };
+    auto add = [&](const float* a, const float* b, const float* c) {
+        const int all = sides(a) & sides(b) & sides(c);
+        out.push_back({a[0], a[1], b[0], b[1], c[0], c[1], float(all & 1 ? 4 - anti : all & 2 ? 2 + 3 * anti : 1)});
+    };
+    for (int f = 0; f < std::accumulate(u.facecounts, u.facecounts + 5, 0); ++f) {
+        float q[3][2], m[2], w[2];
+        int s[3];
+        for (int j = 0; j < 3; ++j) q[j][0] = u.vertices[u.faces[3 * f + j]].x, q[j][1] = u.vertices[u.faces[3 * f + j]].z, s[j] = sides(q[j]);
+        auto cross = [&](int i, int j, float* at) {
+            const float px = q[i][0] - ox, pz = q[i][1] - oz, qx = q[j][0] - ox, qz = q[j][1] - oz;
+            const float t = anti ? (128 - px - pz) / ((qz - pz) + (qx - px)) : (px - pz) / ((qz - pz) - (qx - px));
+            at[0] = q[i][0] + (q[j][0] - q[i][0]) * t, at[1] = q[i][1] + (q[j][1] - q[i][1]) * t;
+        };
+        const int on = int(std::find(s, s + 3, 3) - s), v = on < 3 ? on : s[0] != s[1] && s[0] != s[2] ? 0 : s[1] != s[2] ? 1 : 2;
+        const int a = (v + 1) % 3, b = (v + 2) % 3;
+        if (s[0] & s[1] & s[2]) add(q[0], q[1], q[2]);
+        else if (on < 3) cross(a, b, m), add(q[v], q[a], m), add(m, q[b], q[v]);
+        else cross(v, a, m), cross(v, b, w), add(q[v], m, w), add(m, q[a], q[b]), add(q[b], w, m);
+    }
+    return out;
+}
+
 // The draw of an uploaded tile into the current target; false where the library throws, at a
 // face past the count of grid points.
 inline bool draw(toolkit& t, const ground& g, const complexground& tile, int x, int z) {
@@ -182,7 +240,8 @@ inline bool draw(toolkit& t, const ground& g, const complexground& tile, int x, 
             for (int j = 0; j < 3; ++j) {
                 const groundpoint& p = tile.vertices[v[j]];
                 const int ox = uint16_t(trunc(p.x) - x * g.tilesize), oz = uint16_t(trunc(p.z) - z * g.tilesize);
-                setcolourlanes(face.colour[j], sun(t, normalat(g, x, z, ox, oz), tile.colours[3 * f + j]));
+                const uint32_t lit = sun(t, normalat(g, x, z, ox, oz), tile.colours[3 * f + j]), side = tile.faceclass.empty() ? 1 : tile.faceclass[f];
+                setcolourlanes(face.colour[j], shade || tile.lightblock.empty() ? lit : pointlights(tile.lightblock[tile.lightindex], lit, ox, oz, g.tileshift, side));
                 face.shadefactor[j] = std::clamp(p.y * 0.00048828125f, 0.0f, 1.0f);
                 fog |= t.fogdistance > 0 && face.position[j][2] > rasterstate.fogstart;
             }

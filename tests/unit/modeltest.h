@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <xmmintrin.h>
 
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -83,10 +84,16 @@ inline void filltextures(texturestore& store, int count, int loaded, testrng& rn
     }
 }
 
-// A camera looking down z at a model about 30 units away, with random sun, point lights, fog and
-// shade, on toolkit `t`; the loaded textures as a reload may leave them, unlike their descriptors.
+// A camera looking about down z, turned a little on every axis so that no axis of its matrix is
+// trivial, at a model about 30 units away, with random sun, point lights, fog and shade, on toolkit
+// `t`; the loaded textures as a reload may leave them, unlike their descriptors.
 inline void randomscene(toolkit& t, texturestore& store, testrng& rng) {
-    alignas(16) float view[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    const float a = rng.real(-0.3f, 0.3f), b = rng.real(-0.3f, 0.3f), c = rng.real(-0.3f, 0.3f);
+    const float ca = std::cos(a), sa = std::sin(a), cb = std::cos(b), sb = std::sin(b), cc = std::cos(c), sc = std::sin(c);
+    alignas(16) float view[16] = {cb * cc, sa * sb * cc - ca * sc, ca * sb * cc + sa * sc, 0,
+                                  cb * sc, sa * sb * sc + ca * cc, ca * sb * sc - sa * cc, 0,
+                                  -sb,     sa * cb,                ca * cb,                0,
+                                  0,       0,                      0,                      1};
     alignas(16) float projection[16] = {1.5f, 0, 0, 0, 0, 1.5f, 0, 0, 0, 0, 1.001f, 1, 0, 0, -2.001f, 0};
     setviewmatrix(t, view);
     setprojectionmatrix(t, projection);

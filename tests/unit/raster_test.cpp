@@ -110,7 +110,8 @@ TEST_F(raster, squarecoversitsclippedpart) {
         const int x = int(rng() % 80) - 20, y = int(rng() % 70) - 20, side = 1 + int(rng() % 40);
         for (bool rgb : {true, false})
             drawsquare(
-                choosespan(recipe::plain, shading::textured, alphamode::key, wrapmode::repeat, blended::no, rgb, !rgb),
+                choosespan(widestlanes(), recipe::plain, shading::textured, alphamode::key, wrapmode::repeat, blended::no,
+                           rgb, !rgb),
                 x, y, side, 0.5f, 0xFFFFFFFF, texels.get());
         const int *v = rasterstate.viewport, *r = rasterstate.rasterclip;
         for (int i = 0; i < pixels; ++i) {
@@ -124,21 +125,24 @@ TEST_F(raster, squarecoversitsclippedpart) {
     }
 }
 
-// The choice of a face's functions follows the rule of the member table, and the host's free
-// triangle has its own three.
+// The choice of a face's functions follows the rule of the member table at the width asked for,
+// and the host's free triangle has its own three.
 TEST_F(raster, choicefollowsthemembertable) {
-    everyface([](const faceselection& f) {
-        EXPECT_EQ(choosetriangle(f.fold, f.kind, f.alpha, f.wrap, f.blend, f.colour, f.depth),
-                  trianglefor(modeltriangle(f)));
-        EXPECT_EQ(choosespan(f.fold, f.kind, f.alpha, f.wrap, f.blend, f.colour, f.depth), spanfor(modelspan(f)));
-    });
-    EXPECT_EQ(rawtriangle(true, true),
-              trianglefor(withrecipe(recipe::plain, gouraudspan(depthmode::testonly, blended::no))));
-    EXPECT_EQ(rawtriangle(false, true), trianglefor(withrecipe(recipe::plain, colourlessspan(depthmode::none))));
-    EXPECT_EQ(rawtriangle(false, false), nullptr);
-    everygroundface([](const groundselection& g) {
-        EXPECT_EQ(choosegroundtriangle(g.fold, g.layer, g.blend, g.shadow), trianglefor(groundtriangle(g)));
-    });
+    for (lanewidth w : runnablewidths()) {
+        everyface([w](const faceselection& f) {
+            EXPECT_EQ(choosetriangle(w, f.fold, f.kind, f.alpha, f.wrap, f.blend, f.colour, f.depth),
+                      trianglefor(modeltriangle(f), w));
+            EXPECT_EQ(choosespan(w, f.fold, f.kind, f.alpha, f.wrap, f.blend, f.colour, f.depth),
+                      spanfor(modelspan(f), w));
+        });
+        EXPECT_EQ(rawtriangle(w, true, true),
+                  trianglefor(withrecipe(recipe::plain, gouraudspan(depthmode::testonly, blended::no)), w));
+        EXPECT_EQ(rawtriangle(w, false, true), trianglefor(withrecipe(recipe::plain, colourlessspan(depthmode::none)), w));
+        EXPECT_EQ(rawtriangle(w, false, false), nullptr);
+        everygroundface([w](const groundselection& g) {
+            EXPECT_EQ(choosegroundtriangle(w, g.fold, g.layer, g.blend, g.shadow), trianglefor(groundtriangle(g), w));
+        });
+    }
 }
 
 }  // namespace
