@@ -1,18 +1,55 @@
-// The shadow map against its references over seeded random grounds, footprints and tiles:
-// footprints added and taken back with the tiles they mark, the slices and their places in the
-// shared atlas blocks, and the footprints that tiles paint.
+// The shadow map against its references over seeded random grounds and footprints: footprints
+// added and taken back with the tiles they mark, the slices and their places in the shared atlas
+// blocks.
 #include <algorithm>
-#include <numeric>
 
-#include "ground/footprint.h"
 #include "ground/shadows.h"
 #include "ground/slice.h"
 #include "groundtest.h"
-#include "shadowreference.h"
 
 namespace {
 
-using namespace shadowreference;
+// The footprint standing at (x, y, z) added cell by cell to a copy of the map, or taken off it,
+// and the marks of the tiles its clipped rectangle touches.
+void changereference(const ground& g, std::vector<uint8_t>& cells, std::vector<uint8_t>& dirty,
+                     const shadowmask& m, int x, int y, int z, bool take) {
+    const toolkit& t = *g.owner;
+    const int width = g.shadows->width, height = g.shadows->height;
+    const int left = ((x - ((t.shadowslopex * y) >> 8)) >> t.shadowshift) + 1 + m.x;
+    const int top = ((z - ((t.shadowslopez * y) >> 8)) >> t.shadowshift) + 1 + m.y;
+    for (int r = 0; r < m.usedheight; ++r)
+        for (int c = 0; c < m.usedwidth; ++c) {
+            const int col = left + c, row = top + r;
+            const long at = long(r) * m.width + c;
+            if (col >= 1 && col <= width - 2 && row >= 1 && row <= height - 2 && at >= 0 && at < m.cells.length())
+                cells[size_t(row * width + col)] += uint8_t(take ? -m.cells[at] : m.cells[at]);
+        }
+    auto clip = [](int& first, int& length, int cells) {
+        if (first < 1) length -= 1 - first, first = 1;
+        if (first + length - 1 > cells - 2) length = cells - 1 - first;
+    };
+    int l = left, w = m.usedwidth, tp = top, h = m.usedheight;
+    clip(l, w, width), clip(tp, h, height);
+    for (int a = (l - 1) >> 4; a <= (l + w - 2) >> 4; ++a)
+        for (int b = (tp - 1) >> 4; b <= (tp + h - 2) >> 4; ++b)
+            if (a * g.sizex + b >= 0 && a * g.sizex + b < int(dirty.size())) dirty[size_t(a * g.sizex + b)] = 1;
+}
+
+// The slice of tile (x, z), `cellspertile` rows of as many bytes: 255 less 9 for each shaded one of
+// the cell and its four neighbours in the map.
+std::vector<uint8_t> slicereference(const groundshadows& s, int x, int z) {
+    const int n = s.cellspertile;
+    std::vector<uint8_t> out;
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i < n; ++i) {
+            const int col = 1 + x * n + i, row = 1 + z * n + j;
+            int k = 0;
+            for (auto [dc, dr] : {std::pair{0, 0}, {-1, 0}, {1, 0}, {0, -1}, {0, 1}})
+                k += s.cells[(row + dr) * s.width + col + dc] != 0;
+            out.push_back(uint8_t(255 - 9 * k));
+        }
+    return out;
+}
 
 TEST_F(groundtest, footprintsandslicesfollowtherules) {
     for (int round = 0; round < 200 && !HasFailure(); ++round) {
@@ -57,39 +94,6 @@ TEST_F(groundtest, footprintsandslicesfollowtherules) {
         for (standing& f : added) changeshadows(*g, *f.mask, f.x, f.y, f.z, true);
         EXPECT_TRUE(std::all_of(s.cells.get(), s.cells.get() + s.cells.length(), [](uint8_t c) { return !c; }));
         EXPECT_EQ(tilepool.verify(), nullptr);
-    }
-}
-
-TEST_F(groundtest, tilefootprintsfollowtherules) {
-    for (int round = 0; round < 200 && !HasFailure(); ++round) {
-        SCOPED_TRACE(round);
-        t.shadowshift = rng.below(5);
-        const int ts = 64 << rng.below(2), x = rng.below(3), z = rng.below(3), n = ts >> t.shadowshift;
-        std::unique_ptr<ground> g = randomground(3, 3, ts, rng.below(2) * GF_SHADOWMAP);
-        randomhosttile h(rng, ts, rng.below(30), texturecount);
-        std::unique_ptr<complexground> tile(buildtile(*g, x, z, h.s));
-        shadowmask* given = rng.onein(2) ? new shadowmask(tilepool, rng.below(n + 3), rng.below(n + 3)) : nullptr;
-        shadowmask* made = tilefootprint(*g, *tile, x, z, given);
-        if (!tile->tileflags) {
-            EXPECT_EQ(made, nullptr);
-            delete given;
-            continue;
-        }
-        ASSERT_EQ(made == given, given && given->cells.length() >= n * n);
-        EXPECT_TRUE(!made->x && !made->y && made->width == n && made->height == n && made->usedwidth == n && made->usedheight == n);
-        std::vector<uint8_t> expected(size_t(made->cells.length()));
-        for (int f = 0; f < std::accumulate(tile->facecounts, tile->facecounts + 5, 0); ++f) {
-            int c[3][2];
-            for (int j = 0; j < 3; ++j) {
-                const groundpoint& v = tile->vertices[tile->faces[3 * f + j]];
-                c[j][0] = (int(v.x) - ts * x) >> t.shadowshift, c[j][1] = (int(v.z) - ts * z) >> t.shadowshift;
-            }
-            if ((c[1][1] - c[2][1]) * (c[0][0] - c[1][0]) - (c[1][1] - c[0][1]) * (c[2][0] - c[1][0]) > 0)
-                fillreference(expected, n, c);
-        }
-        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), made->cells.get()));
-        if (made != given) delete made;
-        delete given;
     }
 }
 

@@ -5,14 +5,12 @@
 #include "model/picking.h"
 #include "model/shadow.h"
 #include "model/sharelight.h"
+#include "raster/cornerorder.h"
 #include "motiontest.h"
 #include "rasterreference.h"
-#include "shadowreference.h"
 #include "toolkit/projection.h"
 
 namespace {
-
-using shadowreference::fillreference;
 
 class meet : public motiontest {
 protected:
@@ -89,6 +87,30 @@ TEST_F(meet, hitsfollowtherules) {
         const bool hit = m->facecount && l < x && x < r && top < y && y < bottom && (boxonly || face);
         EXPECT_EQ(hittest(*m, *w, matrix, x, y, boxonly), hit) << round;
     }
+}
+
+// Corners sorted by the one chain of comparisons, edges stepped by the approximate reciprocal of each
+// height from the top corner, rows clipped above and below, cells set from the truncated left edge.
+void fillreference(std::vector<uint8_t>& cells, int pitch, const int c[3][2]) {
+    using namespace rasterreference;
+    int o[3];
+    cornerorder(c[0][1], c[1][1], c[2][1], o);
+    const float x[3] = {float(c[o[0]][0]), float(c[o[1]][0]), float(c[o[2]][0])};
+    const int row[3] = {c[o[0]][1], c[o[1]][1], c[o[2]][1]};
+    auto step = [&](int a, int b) { return (x[b] - x[a]) * rcp(maxss(float(row[b] - row[a]), std::bit_cast<float>(0x358637BDu))); };
+    const float tm = step(0, 1), tb = step(0, 2), mb = step(1, 2);
+    const rasterstatedata& r = rasterstate;
+    const long long bottom = std::min(r.viewport[1] + r.viewport[3], r.rasterclip[1] + r.rasterclip[3]);
+    long long y = std::max<long long>(std::max(row[0], r.viewport[1]), r.rasterclip[1]), skip = y - row[0];
+    float ls = tm > tb ? tb : tm, rs = tm > tb ? tm : tb, l = x[0] + float(skip) * ls, rt = x[0] + float(skip) * rs;
+    auto fill = [&](long long rows) {
+        for (; rows > 0; --rows, ++y, l += ls, rt += rs)
+            for (int k = trunc(l); k < trunc(rt); ++k) cells[size_t(y * pitch + k)] = 1;
+    };
+    const long long upper = std::min<long long>(row[1], bottom) - y, skip2 = std::max(-upper, 0ll);
+    fill(upper);
+    (tb > mb ? rt : l) = x[1] + float(skip2) * mb, (tb > mb ? rs : ls) = mb;
+    fill(std::min(row[2] - row[1] - skip2, bottom - y));
 }
 
 TEST_F(meet, shadowoutlinesfollowtherules) {
