@@ -254,8 +254,8 @@ public final class Scene implements AutoCloseable {
         tk.m(0xFFF4E0, 0.9f, 0.35f, -0.5f, 0.8f, -0.3f);
         tk.IA(0.75f);
         tk.c(0xFF8FA8C8, 900, 0);
-        // Ground point lights, footprints and the fitting of models to the ground go here once the
-        // ground takes them.
+        groundlights(step);
+        // Footprints and the fitting of models to the ground go here once the ground takes them.
         for (int x = 0; x < TILES; ++x)
             for (int z = 0; z < TILES; ++z) {
                 // The ground is not clipped: the host draws only tiles wholly in front.
@@ -279,6 +279,20 @@ public final class Scene implements AutoCloseable {
         nanos[1] += models - ground;
         nanos[2] += particles - models;
         nanos[3] += overlay - particles;
+    }
+
+    // Two coloured lights circling the world's middle, taken off and put back where they are now
+    // each step: the ground works out a light's reach only when the light is added.
+    void groundlights(int step) {
+        int[] whole = new int[25];
+        java.util.Arrays.fill(whole, 1);
+        for (int k = 0; k < 2; ++k) {
+            double a = step * 0.15 + k * StrictMath.PI;
+            int x = (int) (WORLD / 2 + 260 * StrictMath.cos(a)), z = (int) (WORLD / 2 + 260 * StrictMath.sin(a));
+            ground.d(k + 1);
+            ground.A(k + 1, x, (int) heightat(x, z) - 80, z, 2 * TILE, k == 0 ? 0xFF8020 : 0x2060FF, whole);
+        }
+        ground.t(new float[] {1f, 0.8f});
     }
 
     // A model cloned from its source each step and posed there: swayed about its base and bobbed,

@@ -229,6 +229,7 @@ class BindingTest {
         fails("fa.ea without one", () -> { t.d(0, 0); blank.ea(bl, 0, 0, 1, 1, 0, 0); }, Exception.class,
                 "No colour buffer");
         fails("fa.j without one", () -> { t.d(0, 0); blank.j(bl, 0, 0, 3); }, Exception.class, "No colour buffer");
+        binds("ja.BA without one writes nothing", () -> { t.d(0, 0); t.BA(0, 0, 1, 1, new int[] {C}, 0, 1); });
 
         // Every peer destroyed twice, fonts drawn after, the pool released twice and destroyed.
         reads("ea.ma, m.ma, ia.ma twice", () -> {

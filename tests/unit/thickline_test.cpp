@@ -11,6 +11,7 @@ TEST(thickline, cornersfollowtheformulas) {
         {0, 0, 10, 10, 20, 10, 3, true, {{10, 10, 20, 20}, {8, 12, 12, 8}}},  // both halves round outward
         {0, 0, 0, 0, 0, 4, 2, true, {{-1, 1, 1, -1}, {0, 0, 4, 4}}},          // a < b: the other side first
         {0, 0, 0, 0, 3, -3, 2, true, {{-1, 1, 4, 2}, {-1, 1, -2, -4}}},
+        {0, 0, 0, 0, 3, 3, 2, true, {{1, -1, 2, 4}, {-1, 1, 4, 2}}},          // a = b turns a
         {0, 0, 0, 0, -3, -1, 6, true, {{0, 0, -3, -3}, {-3, 3, 2, -4}}},      // the division truncates toward 0
         {100, 50, 110, 60, 120, 60, 4, true, {{10, 10, 20, 20}, {8, 12, 12, 8}}},  // from the clip corner
         {0, 0, 7, 7, 7, 7, 5, false, {}},
