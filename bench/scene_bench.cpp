@@ -81,10 +81,10 @@ const trianglework& frametriangles() {
                 addtiletriangles(w, static_cast<const complexground&>(**g.slot(x, z)), x, z, g.tilesize, t);
         renderworkspace& client = *f.peer<renderworkspace>(f.field("client", "La;"));
         auto models = static_cast<jobjectArray>(f.field("models", "[Lh;"));
-        jmethodID placement = f.env->GetMethodID(f.cls, "placement", "(I)[F");
+        jmethodID placement = f.env->GetMethodID(f.cls, "placement", "(II)[F");
         for (jsize k = 0; k < f.env->GetArrayLength(models); ++k) {
             model& m = *f.peer<model>(f.env->GetObjectArrayElement(models, k));
-            auto array = static_cast<jfloatArray>(f.env->CallObjectMethod(f.scene, placement, k));
+            auto array = static_cast<jfloatArray>(f.env->CallObjectMethod(f.scene, placement, k, 0));
             alignas(16) float matrix[16];
             f.env->GetFloatArrayRegion(array, 0, 16, matrix);
             runexport(f.env, [&] {

@@ -27,6 +27,8 @@ public final class Scene implements AutoCloseable {
     final h[] models;
     final long[] seeds;
     final int[][] placements;  // x, z, yaw (binary angle) of each model
+    final aa[] footprints;     // each model's footprint on the shadow map, and where it stands
+    final int[][] footat;
     final h clone = new h(), scratch = new h();
     final a client = new a();
     final fa ball;
@@ -97,6 +99,8 @@ public final class Scene implements AutoCloseable {
         models = new h[6];
         this.seeds = new long[models.length];
         placements = new int[models.length][];
+        footprints = new aa[models.length];
+        footat = new int[models.length][];
         for (int k = 0; k < models.length; ++k) {
             this.seeds[k] = seeds.nextLong();
             models[k] = lathe(this.seeds[k], k == models.length - 1);
@@ -118,7 +122,9 @@ public final class Scene implements AutoCloseable {
             for (int b = 0; b <= TILES; ++b)
                 heights[a][b] = (int) (-60 * StrictMath.sin(a * 0.8) * StrictMath.cos(b * 0.6) - 4 * (a - 4) * (b - 4));
         ground = new i();
-        ground.G(null, tk, TILES, TILES, heights, heights, TILE, 0, 0);
+        // Shadow cells of 8 units, 16 to a tile; the map's flag.
+        tk.J(8);
+        ground.G(null, tk, TILES, TILES, heights, heights, TILE, 0, 0x10);
         for (int a = 2; a < TILES; a += 3) ground.LA(a, a, 40);
         for (int x = 0; x < TILES; ++x)
             for (int z = 0; z < TILES; ++z) uploadtile(x, z);
@@ -255,7 +261,7 @@ public final class Scene implements AutoCloseable {
         tk.IA(0.75f);
         tk.c(0xFF8FA8C8, 900, 0);
         groundlights(step);
-        // Footprints and the fitting of models to the ground go here once the ground takes them.
+        footprints(step);
         for (int x = 0; x < TILES; ++x)
             for (int z = 0; z < TILES; ++z) {
                 // The ground is not clipped: the host draws only tiles wholly in front.
@@ -295,23 +301,53 @@ public final class Scene implements AutoCloseable {
         ground.t(new float[] {1f, 0.8f});
     }
 
-    // A model cloned from its source each step and posed there: swayed about its base and bobbed,
-    // so a step poses it the same whatever came before.
-    void drawmodel(int k, int step) {
-        models[k].BA(clone, scratch, 0x1, false, false);
+    // Model k cloned from its source and posed for a step: swayed about its base, bobbed and
+    // turned, so a step poses it the same whatever came before; then fitted to the ground, each
+    // vertex following the height under it (the first model, which walks, tilting to the slope
+    // instead).
+    void pose(int k, int[] at, int step) {
+        models[k].BA(clone, scratch, 0x40007, false, false);
         clone.w(0, 0, 0, 0);
         clone.w(2, 0, 0, (int) (400 * StrictMath.sin(step * 0.2 + k)));
         clone.w(1, 0, (int) (6 * StrictMath.sin(step * 0.3 + 2 * k)), 0);
+        clone.f(at[3]);
+        if (k == 0) clone.pa(3, 20 | 20 << 8 | 24 << 16 | 24 << 24, ground, null, at[0], at[1], at[2]);
+        else clone.pa(1, 0, ground, null, at[0], at[1], at[2]);
         clone.ka();
-        client.wa(client.nativeid, clone.nativeid, placement(k), null, 0);
     }
 
-    // Where model k stands: turned about y, on the ground under it.
-    public float[] placement(int k) {
+    // Every model's footprint taken off the ground's shadow map where it stood and put back where
+    // it stands now, before the ground is drawn.
+    void footprints(int step) {
+        for (int k = 0; k < models.length; ++k) {
+            int[] at = standing(k, step);
+            if (footprints[k] != null) ground.NA(footprints[k], footat[k][0], footat[k][1], footat[k][2]);
+            pose(k, at, step);
+            footprints[k] = (aa) clone.ga(footprints[k]);
+            footat[k] = at;
+            if (footprints[k] != null) ground.UA(footprints[k], at[0], at[1], at[2]);
+        }
+    }
+
+    void drawmodel(int k, int step) {
+        pose(k, standing(k, step), step);
+        client.wa(client.nativeid, clone.nativeid, placement(k, step), null, 0);
+    }
+
+    // Where model k stands at a step: x, the ground's height there, z, and its turn about y in
+    // binary angle; the first model walks a circle round the world's middle.
+    int[] standing(int k, int step) {
         int[] p = placements[k];
-        double yaw = 2 * StrictMath.PI * p[2] / 16384;
-        float c = (float) StrictMath.cos(yaw), s = (float) StrictMath.sin(yaw);
-        return new float[] {c, 0, -s, 0, 0, 1, 0, 0, s, 0, c, 0, p[0], heightat(p[0], p[1]), p[1], 1};
+        if (k != 0) return new int[] {p[0], heightat(p[0], p[1]), p[1], p[2]};
+        double a = step * 0.08;
+        int x = WORLD / 2 + (int) (300 * StrictMath.cos(a)), z = WORLD / 2 + (int) (300 * StrictMath.sin(a));
+        return new int[] {x, heightat(x, z), z, (int) (-a * 16384 / (2 * StrictMath.PI)) & 0x3FFF};
+    }
+
+    // The model's matrix: moved to where it stands, its turn being the clone's own.
+    public float[] placement(int k, int step) {
+        int[] at = standing(k, step);
+        return new float[] {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, at[0], at[1], at[2], 1};
     }
 
     // Sparks rising from the world's middle in a slow spiral: glows, stars and plain discs.
@@ -444,6 +480,8 @@ public final class Scene implements AutoCloseable {
         ball.M(ball.nativeid);
         client.R(client.nativeid, 0);
         for (h model : models) model.ma(null);
+        for (aa footprint : footprints)
+            if (footprint != null) footprint.ma(0);
         clone.ma(null);
         scratch.ma(null);
         ground.ma();

@@ -42,7 +42,7 @@ public class goldenframes {
                    new int[] {40960, 40960, 40960, 40960}, textures, n);
         s.tk.Q(frame % 3, new int[] {300, -120, 300, 400, 0xFFA040, 700, -100, 640, 300, 0x40A0FF}, new float[] {1f, 1f});
         s.models[k].BA(s.clone, s.scratch, 0x1, false, false);
-        s.client.wa(s.client.nativeid, s.clone.nativeid, s.placement(k), null, 0);
+        s.client.wa(s.client.nativeid, s.clone.nativeid, s.placement(k, frame % STEPS), null, 0);
         s.tk.Q(0, new int[0], new float[0]);
     }
 
