@@ -3,9 +3,11 @@
 // blocks.
 #include <algorithm>
 
+#include "ground/footprint.h"
 #include "ground/shadows.h"
 #include "ground/slice.h"
 #include "groundtest.h"
+#include "toolkit/shadowfill.h"
 
 namespace {
 
@@ -95,6 +97,32 @@ TEST_F(groundtest, footprintsandslicesfollowtherules) {
         EXPECT_TRUE(std::all_of(s.cells.get(), s.cells.get() + s.cells.length(), [](uint8_t c) { return !c; }));
         EXPECT_EQ(tilepool.verify(), nullptr);
     }
+}
+
+// A tile's footprint: its lower-left half, given in both windings, paints in cells what the mask
+// fill paints for those corners; a mask given back that holds the tile is cleared and reused.
+TEST_F(groundtest, atilesfootprintisitsfacesincells) {
+    t.shadowshift = 3;
+    // The fill keeps to the rows of the screen's viewport and clip.
+    rasterstate.viewport[1] = rasterstate.rasterclip[1] = 0, rasterstate.viewport[3] = rasterstate.rasterclip[3] = 16;
+    std::unique_ptr<ground> g = randomground(2, 2, 128, GF_SHADOWMAP);
+    std::vector<int32_t> xs = {0, 128, 0, 0, 0, 128}, zs = {0, 0, 128, 0, 128, 0}, depths(6), colours(6, 0x1234),
+                         textures(6, -1);
+    const tilesource s = {6, xs.data(), nullptr, zs.data(), depths.data(), colours.data(), nullptr, textures.data(),
+                          nullptr, 0, false, true};
+    std::unique_ptr<complexground> tile(buildtile(*g, 1, 1, s));
+    shadowmask expected(tilepool, 16, 16);
+    expected.usedwidth = expected.usedheight = expected.width = expected.height = 16;
+    const int up[3][2] = {{0, 0}, {16, 0}, {0, 16}}, down[3][2] = {{0, 0}, {0, 16}, {16, 0}};
+    fillfacingtriangle(expected, up), fillfacingtriangle(expected, down);
+    ASSERT_GT(std::count(expected.cells.get(), expected.cells.get() + 256, 0), 16);
+    ASSERT_LT(std::count(expected.cells.get(), expected.cells.get() + 256, 0), 240);
+    std::unique_ptr<shadowmask> painted(tilefootprint(*g, *tile, 1, 1, nullptr));
+    ASSERT_EQ(painted->cells.length(), 256);
+    EXPECT_TRUE(std::equal(painted->cells.get(), painted->cells.get() + 256, expected.cells.get()));
+    std::fill_n(painted->cells.get(), 256, uint8_t{7});
+    EXPECT_EQ(tilefootprint(*g, *tile, 1, 1, painted.get()), painted.get());
+    EXPECT_TRUE(std::equal(painted->cells.get(), painted->cells.get() + 256, expected.cells.get()));
 }
 
 }  // namespace
