@@ -101,9 +101,7 @@ void drawface(tiledraw& d) {
         for (int j = 0; j < 3; ++j)
             face.shadefactor[j] = std::min(std::max(tile.vertices[corner[j]].y * 0.00048828125f, 0.0f), 1.0f);
     }
-    // A face whose texture cannot be had is drawn without.
-    trianglefunction draw =
-        choosetriangle(d.t.lanes, fold, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, true, true);
+    trianglefunction draw = nullptr;
     if constexpr (textured) {
         const texturerecord* layer[3] = {};
         bool present = true;
@@ -133,6 +131,10 @@ void drawface(tiledraw& d) {
                                         tile.shadowmap ? shadowed::yes : shadowed::no);
         }
     }
+    // A face whose texture cannot be had is drawn without.
+    if (!draw)
+        draw = choosetriangle(d.t.lanes, fold, shading::gouraud, alphamode::opaque, wrapmode::repeat, blended::no, true,
+                              true);
     draw(&face);
 }
 
